@@ -1,0 +1,46 @@
+#include <vardel/core/card_byte_data.h>
+#include <vardel/core/host_fault.h>
+#include <vardel/core/type_code.h>
+
+#include <cstddef>
+
+namespace vardel {
+
+void CCardByteData::InitCardData(std::int32_t ParamCardType) try {
+  InitErr();
+  CardType(ParamCardType);
+  if (ErrNumber() == 0) CardDataStruct = {};
+} catch (const HostFault& fault) {
+  if (const auto error = Error()) error->MakeErr(kContentError, fault.what());
+}
+
+void CCardByteData::CardType(std::int32_t cardType) {
+  if (IsValidMainType(cardType)) {
+    InitErr();
+    cardType_ = cardType;
+  } else {
+    MakeErr(kContentError, message::kIncorrectCardType);
+  }
+}
+
+void CCardByteData::CardSubType(std::uint8_t cardSubType) {
+  InitErr();
+  cardSubType_ = cardSubType;
+}
+
+std::int32_t CCardByteData::CardDataByteCount() const {
+  return static_cast<std::int32_t>(CardDataStruct.Bytes.size());
+}
+
+std::uint8_t CCardByteData::CardArrDataByIndex(std::int32_t ArrIndex) const {
+  if (ArrIndex < 0 || ArrIndex >= CardDataByteCount()) return 0;
+  return CardDataStruct.Bytes[static_cast<std::size_t>(ArrIndex)];
+}
+
+void CCardByteData::CardArrDataByIndex(std::int32_t ArrIndex, std::uint8_t value) {
+  InitErr();
+  if (ArrIndex < 0 || ArrIndex >= CardDataByteCount()) return;
+  CardDataStruct.Bytes[static_cast<std::size_t>(ArrIndex)] = value;
+}
+
+}  // namespace vardel

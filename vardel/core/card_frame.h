@@ -1,0 +1,45 @@
+#pragma once
+
+#include <vardel/core/byte_array.h>
+#include <vardel/core/card_data_struct.h>
+#include <vardel/core/enumerations.h>
+#include <vardel/core/frame.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vardel {
+
+/// A ready frame for hosts that have none of their own. A new one has type pair (0, 0) and no data.
+class CCardFrame final : public ICardFrame {
+ public:
+  CCardFrame() = default;
+  /// `rawCardHex` as in the put of RawCardHex.
+  CCardFrame(std::int32_t cardType, std::int32_t cardSubType, std::string_view rawCardHex,
+             bool isEMFrame = false);
+
+  std::int32_t FrameCardType() const override { return cardType_; }
+  void FrameCardType(std::int32_t value) { cardType_ = value; }
+  std::int32_t FrameCardSubType() const override { return cardSubType_; }
+  void FrameCardSubType(std::int32_t value) { cardSubType_ = value; }
+  bool IsEMFrame() const override { return isEMFrame_; }
+  void IsEMFrame(bool value) { isEMFrame_ = value; }
+
+  RawBytes RawCardBytes() const override { return bytes_; }
+  std::string_view RawCardHex() const override { return hex_; }
+  /// Sets the text and the bytes. Text that is not whole pairs of hexadecimal digits is fault 13
+  /// and changes nothing.
+  void RawCardHex(std::string_view hex);
+  /// Sets the text and the bytes to those of an encoded record.
+  void CardDataStruct(const vardel::CardDataStruct& record);
+
+ private:
+  std::int32_t cardType_ = CARD_UNKNOWN;
+  std::int32_t cardSubType_ = 0;
+  bool isEMFrame_ = false;
+  ByteArray bytes_;
+  std::string hex_;
+};
+
+}  // namespace vardel

@@ -1,0 +1,147 @@
+#include <vardel/core/host_fault.h>
+#include <vardel/core/number.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <system_error>
+
+namespace vardel {
+namespace {
+
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Takes the leading digits off `rest`.
+std::string_view TakeDigits(std::string_view& rest) {
+  const auto* const end = std::ranges::find_if_not(rest, IsDigit);
+  const std::string_view digits = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
+  rest.remove_prefix(digits.size());
+  return digits;
+}
+
+/// Takes one of `characters` off `rest`, if it begins with one; 0 otherwise.
+char TakeAnyOf(std::string_view& rest, std::string_view characters) {
+  if (rest.empty() || characters.find(rest.front()) == std::string_view::npos) return 0;
+  const char taken = rest.front();
+  rest.remove_prefix(1);
+  return taken;
+}
+
+/// Numbers of up to 15 digits without point or exponent, as nearly all fields are, are whole and
+/// exact in a double.
+constexpr std::size_t kExactDigits = 15;
+
+double WholeValue(std::string_view digits) {
+  std::int64_t value = 0;
+  for (const char c : digits) value = value * 10 + (c - '0');
+  return static_cast<double>(value);
+}
+
+/// The value of digits, point and exponent. The exponent letter may be D, which the standard
+/// conversion does not know.
+std::optional<double> DecimalValue(std::string_view whole, std::string_view fraction,
+                                   char exponentSign, std::string_view exponent) {
+  std::string text;
+  text.append(whole).append(".").append(fraction).append("e");
+  if (exponentSign == '-') text += '-';
+  text += exponent;
+
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error == std::errc()) {
+    return std::isfinite(value) ? std::optional(value) : std::nullopt;
+  }
+  // Out of range says either too large or too small. The largest and the smallest double are 308
+  // powers of ten away from 1, so the decimal exponent of the first non-zero digit tells which.
+  std::int64_t power = 0;
+  const auto parsed = std::from_chars(exponent.data(), exponent.data() + exponent.size(), power);
+  if (parsed.ec != std::errc()) power = std::numeric_limits<std::int32_t>::max();
+  if (exponentSign == '-') power = -power;
+  if (const auto first = whole.find_first_not_of('0'); first != std::string_view::npos) {
+    power += static_cast<std::int64_t>(whole.size() - first);
+  } else {
+    power -= static_cast<std::int64_t>(std::min(fraction.find_first_not_of('0'), fraction.size()));
+  }
+  return power > 0 ? std::nullopt : std::optional(0.0);
+}
+
+}  // namespace
+
+std::optional<double> ParseNumber(std::string_view text) {
+  constexpr std::string_view kSpace = " \t";
+  std::string_view rest = text;
+  while (TakeAnyOf(rest, kSpace) != 0) continue;
+  const char sign = TakeAnyOf(rest, "+-");
+  const std::string_view whole = TakeDigits(rest);
+  const bool hasPoint = TakeAnyOf(rest, ".") != 0;
+  const std::string_view fraction = hasPoint ? TakeDigits(rest) : std::string_view();
+  if (whole.empty() && fraction.empty()) return std::nullopt;
+
+  char exponentSign = 0;
+  std::string_view exponent = "0";
+  if (TakeAnyOf(rest, "eEdD") != 0) {
+    exponentSign = TakeAnyOf(rest, "+-");
+    exponent = TakeDigits(rest);
+    if (exponent.empty()) return std::nullopt;
+  }
+  while (TakeAnyOf(rest, kSpace) != 0) continue;
+  if (!rest.empty()) return std::nullopt;
+
+  const bool isPlain = fraction.empty() && exponent == "0" && whole.size() <= kExactDigits;
+  std::optional<double> value =
+      isPlain ? WholeValue(whole) : DecimalValue(whole, fraction, exponentSign, exponent);
+  if (value && sign == '-') value = -*value;
+  return value;
+}
+
+double RequireNumber(std::string_view text) {
+  const std::optional<double> value = ParseNumber(text);
+  if (!value) throw HostFault(Fault::TypeMismatch);
+  return *value;
+}
+
+bool IsNumberWithin(std::string_view text, double min, double max) {
+  const std::optional<double> value = ParseNumber(text);
+  return value && min <= *value && *value <= max;
+}
+
+std::optional<std::uint64_t> WholeNumber(double value) {
+  constexpr double kLimit = 9007199254740992.0;
+  if (!(value >= 0 && value < kLimit)) return std::nullopt;
+  const auto whole = static_cast<std::int64_t>(value);
+  if (static_cast<double>(whole) != value) return std::nullopt;
+  return static_cast<std::uint64_t>(whole);
+}
+
+std::uint8_t ToByte(double value) {
+  // Not the current rounding mode, which belongs to the host.
+  const double floor = std::floor(value);
+  const double rest = value - floor;
+  const bool roundsUp = rest > 0.5 || (rest == 0.5 && std::fmod(floor, 2.0) != 0);
+  const double rounded = roundsUp ? floor + 1 : floor;
+  if (!(rounded >= 0 && rounded <= 255)) throw HostFault(Fault::Overflow);
+  return static_cast<std::uint8_t>(rounded);
+}
+
+std::string NumberText(double value) { return NumberText(value, 0); }
+
+std::string NumberText(double value, std::int16_t charCount) {
+  if (charCount < 0) throw HostFault(Fault::InvalidCall);
+  // The largest double has 309 digits before the point.
+  std::array<char, 320> digits;
+  char* const begin = digits.data();
+  const auto whole = WholeNumber(value);
+  char* const end =
+      whole ? std::to_chars(begin, begin + digits.size(), *whole).ptr
+            : std::to_chars(begin, begin + digits.size(), value, std::chars_format::fixed, 0).ptr;
+  const auto count = static_cast<std::size_t>(end - begin);
+  const auto width = std::max(count, static_cast<std::size_t>(charCount));
+  std::string text(width, '0');
+  std::copy(begin, end, text.end() - static_cast<std::ptrdiff_t>(count));
+  return text;
+}
+
+}  // namespace vardel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Text is UTF-8; lengths and positions count characters, not bytes. A malformed sequence reads as
+/// one U+FFFD character.
+namespace vardel {
+
+/// Takes the first character off `rest`, which must not be empty.
+char32_t TakeChar(std::string_view& rest) noexcept;
+
+std::size_t CharCount(std::string_view text) noexcept;
+/// The first `count` characters of `text`, or all of it when it is shorter.
+std::string_view FirstChars(std::string_view text, std::size_t count) noexcept;
+/// The last `count` characters of `text`, or all of it when it is shorter.
+std::string_view LastChars(std::string_view text, std::size_t count) noexcept;
+/// `text` without leading and trailing blanks (U+0020 only).
+std::string_view TrimBlanks(std::string_view text) noexcept;
+
+/// The single-byte code of a character in Windows-1252, on every platform. The five bytes that the
+/// code page leaves unassigned (81, 8D, 8F, 90, 9D) stand for the control characters of the same
+/// number. A character without a code is fault 6.
+std::uint8_t ByteOfChar(char32_t character);
+/// Appends the character of a Windows-1252 code; every byte has one.
+void AppendCharOfByte(std::string& text, std::uint8_t byte);
+
+}  // namespace vardel
