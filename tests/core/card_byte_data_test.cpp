@@ -22,6 +22,8 @@ TEST(CardByteDataTest, StartsBlankAndAWrongTypeIsRecordedAndKeepsTypeAndBytes) {
   EXPECT_EQ(data.ErrName(), "Incorrect Card Type");
   EXPECT_EQ(data.CardType(), CARD_MIFARE);
   EXPECT_EQ(data.CardDataStruct.Bytes[31], 7);
+  data.CardSubType(255);
+  EXPECT_EQ(data.ErrNumber(), 0);
   data.InitCardData(CARD_EM);
   EXPECT_EQ(data.CardType(), CARD_EM);
   EXPECT_EQ(data.CardDataStruct, CardDataStruct{});
@@ -29,6 +31,7 @@ TEST(CardByteDataTest, StartsBlankAndAWrongTypeIsRecordedAndKeepsTypeAndBytes) {
 
 TEST(CardByteDataTest, IndexesReachTheRecordAndNothingBeyond) {
   CCardByteData data;
+  data.InitCardData(CARD_EM);
   data.CardDataStruct.Bytes.back() = 7;
   EXPECT_EQ(data.CardArrDataByIndex(31), 7);
   const CardDataStruct before = data.CardDataStruct;
