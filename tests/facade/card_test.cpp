@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -131,18 +132,42 @@ TEST(Card, DecodesByTheFramesPair) {
   EXPECT_EQ(blank.CardType, 0);
   EXPECT_EQ(blank.CardID, "");
   EXPECT_EQ(blank.ErrNumber, 0);
+
+  // A pair that is not accepted is decoded as EM when the frame says so; an accepted one is not.
+  const CCardData em = facade.AnalyzeCardData(CCardFrame(0, 0, "020002020000", true));
+  EXPECT_EQ(em.CardType, CARD_EM);
+  EXPECT_EQ(em.CardSubType, CARD_SUB_EM_STD_26BITS);
+  EXPECT_EQ(em.CardID, "00001");
+  EXPECT_EQ(facade.AnalyzeCardData(CCardFrame(2, 3, "020002020000", true)).CardType, CARD_EM);
+  EXPECT_EQ(facade.AnalyzeCardData(CCardFrame(2, 1, "020002020000", true)).CardType, CARD_HID);
 }
 
 TEST(Card, ReadsAFrameAsOftenAsItsFormatSays) {
-  const CCard facade;
-  TestFrame frame(std::vector<std::uint8_t>(6, 1), "020002020000");
-  frame.type = 2;
-  frame.subType = 1;
-  facade.AnalyzeCardData(frame);
-  EXPECT_EQ(frame.byteReads, 1);
-  facade.CardFormatByCode(513)->IsCardArrayReversed = true;
-  facade.AnalyzeCardData(frame);
-  EXPECT_EQ(frame.byteReads, 3);
+  struct Row {
+    const char* format;
+    int plain;
+    int reversed;
+  };
+  constexpr Row kRows[] = {
+      {"CCardFormatEM", 2, 3},          {"CCardFormatHIDStandard", 1, 2},
+      {"CCardFormatBinary26", 1, 2},    {"CCardFormat37Bits", 2, 3},
+      {"CCardFormatHIDCorp1000", 2, 3}, {"CCardFormat34Bits", 2, 2},
+      {"CCardFormatUID32BIts", 2, 2},   {"CCardFormatDongSeo", 1, 1},
+      {"CCardFormatLG", 2, 2},          {"CCardFormatWoori", 2, 2},
+  };
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.format);
+    const auto classes = CardFormatClasses();
+    const auto listed = std::ranges::find(classes, row.format, &CardFormatClass::ClassName);
+    ASSERT_NE(listed, classes.end());
+    const auto format = listed->Create();
+    const TestFrame frame(std::vector<std::uint8_t>(16, 1), std::string(32, '1'));
+    format->AnalyzeCardData(frame);
+    EXPECT_EQ(frame.byteReads, row.plain);
+    format->IsCardArrayReversed = true;
+    format->AnalyzeCardData(frame);
+    EXPECT_EQ(frame.byteReads - row.plain, row.reversed);
+  }
 }
 
 TEST(Card, RefusesNullAndPassesAFramesOwnFailureOn) {

@@ -10,6 +10,17 @@
 
 namespace vardel {
 
+struct TextLayout;
+
+/// The formats that can say whether a text stands for a revision.
+class RevisionValidator {
+ public:
+  virtual bool IsRevisionValid(std::string_view InData) const = 0;
+
+ protected:
+  ~RevisionValidator() = default;
+};
+
 /// A format whose facility code and card number are numbers, held against the descriptor's limits.
 class LimitCheckedFormat : public CCardFormatInfo {
  public:
@@ -22,6 +33,36 @@ class LimitCheckedFormat : public CCardFormatInfo {
   using CCardFormatInfo::CCardFormatInfo;
 };
 
+/// A smart-card format whose fields lie on the card as text, one Windows-1252 character per byte.
+/// Decoded cards carry type 0; their fields are not trimmed, and a zero byte reads as a blank.
+class TextFormat : public CCardFormatInfo, public RevisionValidator {
+ public:
+  /// Without its blanks, the text is neither "" nor "0".
+  bool IsFacilityValid(std::string_view InData) const override;
+  bool IsCardIDValid(std::string_view InData) const override;
+  /// The text is numeric and MinRevision <= value <= MaxRevision.
+  bool IsRevisionValid(std::string_view InData) const override;
+
+ protected:
+  TextFormat(const FormatParameters& parameters, const TextLayout& layout);
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+
+  const TextLayout& layout_;
+};
+
+/// EM standard 26-bit: facility code 1..255, card number 1..65535.
+class CCardFormatEM final : public LimitCheckedFormat {
+ public:
+  CCardFormatEM();
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
 /// HID standard 26-bit: facility code 1..255, card number 1..65535. Decoded cards carry type 2 and
 /// sub-type 0.
 class CCardFormatHIDStandard final : public LimitCheckedFormat {
@@ -31,6 +72,107 @@ class CCardFormatHIDStandard final : public LimitCheckedFormat {
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
   std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
+/// HID full binary 26-bit: the whole value is the card number (1..67108863). It only decodes: every
+/// accepted number ends MakeCardData in fault 9. Decoded cards carry type 0.
+class CCardFormatBinary26 final : public CCardFormatInfo {
+ public:
+  CCardFormatBinary26();
+  /// True for every text, as is IsCardIDValid.
+  bool IsFacilityValid(std::string_view InData) const override;
+  bool IsCardIDValid(std::string_view InData) const override;
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
+/// HID 37-bit: facility code 1..65535, card number 1..524287. Decoded cards carry type 0.
+class CCardFormat37Bits final : public LimitCheckedFormat {
+ public:
+  CCardFormat37Bits();
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
+/// HID Corporate 1000, 35-bit: facility code 1..65535, of which a card keeps the low 12 bits; card
+/// number 1..524287. Decoded cards carry type 0.
+class CCardFormatHIDCorp1000 final : public LimitCheckedFormat {
+ public:
+  CCardFormatHIDCorp1000();
+  /// First and last byte of a second run of the card number, for callers only.
+  std::int16_t Sidx2ndCardID() const { return 3; }
+  std::int16_t Eidx2ndCardID() const { return 4; }
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
+/// HID 34-bit: facility code 1..65535, card number 1..65535. It decodes the raw bytes, not their
+/// text; a read of fewer than 5 bytes that is not blank is fault 9.
+class CCardFormat34Bits final : public LimitCheckedFormat, public RevisionValidator {
+ public:
+  CCardFormat34Bits();
+  /// True for every text: there is no revision.
+  bool IsRevisionValid(std::string_view InData) const override;
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
+/// Mifare 32-bit UID: the card number is the UID; there is no facility code and no revision. An
+/// encode checks no range: the number is taken modulo 2^32, a negative one is fault 6, text that is
+/// not numeric is fault 13. A read needs 16 bytes, of which 4 count.
+class CCardFormatUID32BIts final : public CCardFormatInfo, public RevisionValidator {
+ public:
+  CCardFormatUID32BIts();
+  /// True for every text, as is IsRevisionValid.
+  bool IsFacilityValid(std::string_view InData) const override;
+  /// The text is numeric and MinCardID <= value < MaxCardID: the upper limit is not included.
+  bool IsCardIDValid(std::string_view InData) const override;
+  bool IsRevisionValid(std::string_view InData) const override;
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
+/// DongSeo hospital: 8 characters card number, 2 revision, both stored backwards. An encode clears
+/// the error pair first; a bad card number is recorded and the record still made, a bad revision is
+/// silently left out, a revision of one character is fault 5. It decodes the raw bytes, not their
+/// text; a read of 9 bytes is fault 9.
+class CCardFormatDongSeo final : public CCardFormatInfo, public RevisionValidator {
+ public:
+  CCardFormatDongSeo();
+  /// True for every text.
+  bool IsFacilityValid(std::string_view InData) const override;
+  /// Trimmed, the text has 1 to CharCountCardID characters and is not a zero. Letters are valid.
+  bool IsCardIDValid(std::string_view InData) const override;
+  /// The text is numeric and MinRevision <= value <= MaxRevision.
+  bool IsRevisionValid(std::string_view InData) const override;
+
+ private:
+  vardel::CardDataStruct Encode(const CCardData& card) override;
+  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+};
+
+/// LG smart card: 6 characters facility code, 8 card number, 2 revision, filled with "0" on the
+/// left. Not in the facade.
+class CCardFormatLG final : public TextFormat {
+ public:
+  CCardFormatLG();
+};
+
+/// Woori Bank smart card: 1 character facility code, 13 card number, 2 revision; the last two
+/// filled with blanks on the right, and blanks stored as 0. Not in the facade.
+class CCardFormatWoori final : public TextFormat {
+ public:
+  CCardFormatWoori();
 };
 
 /// One row of the list of formats.

@@ -1,0 +1,81 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/core/host_fault.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/steps.h>
+
+namespace vardel {
+namespace {
+
+// 34 bits, held in 5 bytes; the bytes of the two fields alternate:
+//
+//     bit  33 | 32 ........ 25 | 24 ......... 17 | 16 ........ 9 | 8 .......... 1 | 0
+//          E  | facility 8..15 | card no. 8..15  | facility 0..7 | card no. 0..7  | O
+//
+// O makes bits 0 to 16 odd, E makes bits 17 to 33 even. Neither is checked when decoding.
+constexpr int kValueBytes = 5;
+
+constexpr FormatParameters kParameters = {
+    .CardType = CARD_HID,
+    .CardSubType = CARD_SUB_HID_34BITS,
+    .DefaultCardName = "HID 34Bits",
+    .DefaultByte = 72,
+    .BitCount = {.Facility = 16, .CardID = 16, .Revision = 0},
+    .OccupiedByte = {.Facility = 4, .CardID = 4, .Revision = 0},
+    .BitCountTotal = 34,
+    .ByteCountTotal = kValueBytes,
+    .Min = {.Facility = 1, .CardID = 1, .Revision = -1},
+    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = 0},
+    .Mask = {.Facility = "99999", .CardID = "99999", .Revision = ""},
+    .Index = {.Facility = {1, 3}, .CardID = {0, 4}, .Revision = kNoBytes},
+};
+
+/// A field's two bytes, the low one at bit `position`, the high one 16 bits above.
+constexpr std::uint64_t Spread(std::uint64_t field, int position) {
+  return (steps::GetBits(field, 0, 8) | steps::GetBits(field, 8, 8) << 16) << position;
+}
+constexpr double Gather(std::uint64_t value, int position) {
+  return static_cast<double>(steps::GetBits(value, position, 8) |
+                             steps::GetBits(value, position + 16, 8) << 8);
+}
+
+}  // namespace
+
+CCardFormat34Bits::CCardFormat34Bits() : LimitCheckedFormat(kParameters) {}
+
+bool CCardFormat34Bits::IsRevisionValid(std::string_view /*InData*/) const { return true; }
+
+CardDataStruct CCardFormat34Bits::Encode(const CCardData& card) {
+  const auto facility = steps::AcceptFacility(*this, card);
+  if (!facility) return {};
+  const auto cardID = steps::AcceptCardID(*this, card);
+  if (!cardID) return {};
+
+  std::uint64_t value = Spread(steps::LowBytes(NumberToBytesByByte(*cardID), 2), 1) |
+                        Spread(steps::LowBytes(NumberToBytesByByte(*facility), 2), 9);
+  value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 16))) |
+           steps::Parity(steps::GetBits(value, 17, 16)) << 33;
+  // This encoder alone never turns the record around.
+  return MakeCardDataStruct(steps::BytesOf(value), false);
+}
+
+std::optional<CCardData> CCardFormat34Bits::Decode(const ICardFrame& frame) {
+  CCardData result;
+  result.CardType = CARD_HID;
+  result.CardSubType = CARD_SUB_HID_34BITS;
+  // The raw bytes count here, not their text, and a frame without any is a blank read.
+  const RawBytes summary = frame.RawCardBytes();
+  if (!summary || steps::IsBlank(*summary)) return result;
+
+  const auto raw = steps::RequireRawBytes(frame);
+  const ByteArray bytes = IsCardArrayReversed ? ReverseBytes(raw) : ByteArray(raw);
+  if (bytes.size() < kValueBytes) throw HostFault(Fault::OutOfRange);
+  const std::uint64_t value = steps::LowBytes(bytes, kValueBytes);
+  steps::WorkBytes(OccupiedByteCardId, 4);
+  steps::WorkBytes(OccupiedByteFacility, 4);
+  steps::PutNumbers(*this, Gather(value, 9), Gather(value, 1), result);
+  return result;
+}
+
+}  // namespace vardel

@@ -1,0 +1,65 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/steps.h>
+
+namespace vardel {
+namespace {
+
+// 37 bits, held in 5 bytes; the card number lies on both sides of the facility code:
+//
+//     bit  36 | 35 ............. 25 | 24 ..... 9 | 8 ............. 1 | 0
+//          E  |  card number 8..18  |  facility  |  card number 0..7 | O
+//
+// O makes bits 0 to 18 odd, E makes bits 19 to 36 even. Neither is checked when decoding.
+constexpr FormatParameters kParameters = {
+    .CardType = CARD_HID,
+    .CardSubType = CARD_SUB_HID_37BITS,
+    .DefaultCardName = "Keico",
+    .DefaultByte = 72,
+    .BitCount = {.Facility = 16, .CardID = 19, .Revision = 0},
+    .OccupiedByte = {.Facility = 3, .CardID = 4, .Revision = 0},
+    .BitCountTotal = 37,
+    .ByteCountTotal = 5,
+    .Min = {.Facility = 1, .CardID = 1, .Revision = -1},
+    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = 0},
+    .Mask = {.Facility = "99999", .CardID = "999999", .Revision = ""},
+    .Index = {.Facility = {1, 3}, .CardID = {0, 4}, .Revision = kNoBytes},
+};
+
+}  // namespace
+
+CCardFormat37Bits::CCardFormat37Bits() : LimitCheckedFormat(kParameters) {}
+
+CardDataStruct CCardFormat37Bits::Encode(const CCardData& card) {
+  const auto facilityNumber = steps::AcceptFacility(*this, card);
+  if (!facilityNumber) return {};
+  const std::uint64_t facility = steps::LowBytes(NumberToBytes(*facilityNumber), 2);
+  const auto cardNumber = steps::AcceptCardID(*this, card);
+  if (!cardNumber) return {};
+  const std::uint64_t cardID = steps::LowBytes(NumberToBytes(*cardNumber), 3);
+
+  // With limits that a host has raised, the number's upper part can reach beyond bit 39, the last
+  // one kept.
+  std::uint64_t value =
+      steps::GetBits(cardID, 0, 8) << 1 | facility << 9 | steps::GetBits(cardID, 8, 15) << 25;
+  value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 18))) |
+           steps::Parity(steps::GetBits(value, 19, 17)) << 36;
+  return steps::MakeRecord(*this, steps::BytesOf(value));
+}
+
+std::optional<CCardData> CCardFormat37Bits::Decode(const ICardFrame& frame) {
+  CCardData result;  // type and sub-type stay 0
+  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
+  if (const auto bytes =
+          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
+    const std::uint64_t value = steps::LowBytes(*bytes, 5);
+    const std::uint64_t cardID = steps::GetBits(value, 1, 8) | steps::GetBits(value, 25, 11) << 8;
+    steps::PutNumbers(*this, static_cast<double>(steps::GetBits(value, 9, 16)),
+                      static_cast<double>(cardID), result);
+  }
+  return result;
+}
+
+}  // namespace vardel

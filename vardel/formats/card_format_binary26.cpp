@@ -1,0 +1,61 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/core/host_fault.h>
+#include <vardel/core/number.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/steps.h>
+
+namespace vardel {
+namespace {
+
+// The whole card value is the card number, without facility code or parity:
+//
+//     bit  25 ............ 0
+//           card number
+//
+// The byte count and the mask are wider than 26 bits need.
+constexpr FormatParameters kParameters = {
+    .CardType = CARD_HID,
+    .CardSubType = CARD_SUB_HID_FULL_BIN,
+    .DefaultCardName = "Binary 26Bits",
+    .DefaultByte = 72,
+    .BitCount = {.Facility = 0, .CardID = 26, .Revision = 0},
+    .OccupiedByte = {.Facility = 0, .CardID = 5, .Revision = 0},
+    .BitCountTotal = 26,
+    .ByteCountTotal = 5,
+    .Min = {.Facility = 0, .CardID = 1, .Revision = -1},
+    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = 0},
+    .Mask = {.Facility = "", .CardID = "999999999999999", .Revision = ""},
+    .Index = {.Facility = kNoBytes, .CardID = {0, 4}, .Revision = kNoBytes},
+};
+
+}  // namespace
+
+CCardFormatBinary26::CCardFormatBinary26() : CCardFormatInfo(kParameters) {}
+
+bool CCardFormatBinary26::IsFacilityValid(std::string_view /*InData*/) const { return true; }
+
+bool CCardFormatBinary26::IsCardIDValid(std::string_view /*InData*/) const { return true; }
+
+CardDataStruct CCardFormatBinary26::Encode(const CCardData& card) {
+  const auto cardID = steps::AcceptCardID(*this, card);
+  if (!cardID) return {};
+  steps::CheckConversion(*cardID);
+  // Cards are only ever read in this format. Hosts know that an accepted number ends so.
+  throw HostFault(Fault::OutOfRange);
+}
+
+std::optional<CCardData> CCardFormatBinary26::Decode(const ICardFrame& frame) {
+  CCardData result;  // type and sub-type stay 0
+  constexpr steps::Rereads kRereads = {.always = 0, .whenReversed = 1};
+  if (const auto bytes =
+          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
+    // All bytes of the read count, not just 26 bits.
+    const auto number = ParseNumber(ByteArrayToNumberText(*bytes));
+    steps::PutNumbers(*this, std::nullopt, number, result);
+  }
+  return result;
+}
+
+}  // namespace vardel

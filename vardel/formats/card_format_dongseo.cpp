@@ -1,0 +1,104 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/core/error.h>
+#include <vardel/core/number.h>
+#include <vardel/core/text.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/characters.h>
+#include <vardel/formats/steps.h>
+
+namespace vardel {
+namespace {
+
+// Text, one character per byte, each field with its last character first:
+//
+//     byte  0 ......... 7 | 8 .... 9 | 10 ... 31
+//            card number  | revision |     0
+//
+// The parameters do not quite match: the four-digit mask stands at the facility code, which the
+// card does not have, and the revision has no character count, so nothing fills a short one up.
+constexpr FormatParameters kParameters = {
+    .IsSmartCard = true,
+    .CardType = CARD_MIFARE,
+    .CardSubType = CARD_SUB_MI_DONGSEO,
+    .DefaultCardName = "KyungHee Univ. DongSeo Hospital",
+    .DefaultByte = 0,
+    .BitCount = {.Facility = 0, .CardID = 64, .Revision = 16},
+    .OccupiedByte = {.Facility = 0, .CardID = 8, .Revision = 2},
+    .BitCountTotal = 64,
+    .ByteCountTotal = 8,
+    .Min = {.Facility = 0, .CardID = 1, .Revision = 1},
+    .Max = {.Facility = 0, .CardID = 1e16, .Revision = 9999},
+    .Mask = {.Facility = "9999", .CardID = "CCCCCCCCCCCCCCCC", .Revision = ""},
+    .Index = {.Facility = {0, 0}, .CardID = {0, 3}, .Revision = {0, 0}},
+};
+
+/// A field of `count` bytes from `start` on, its last character first.
+constexpr characters::Place Backwards(int start, int count) {
+  return {.first = start + count - 1, .count = count, .step = -1};
+}
+
+}  // namespace
+
+CCardFormatDongSeo::CCardFormatDongSeo() : CCardFormatInfo(kParameters) {}
+
+bool CCardFormatDongSeo::IsFacilityValid(std::string_view /*InData*/) const { return true; }
+
+bool CCardFormatDongSeo::IsCardIDValid(std::string_view InData) const {
+  const std::string_view text = TrimBlanks(InData);
+  if (text.empty()) return false;
+  if (static_cast<std::ptrdiff_t>(CharCount(text)) > CharCountCardID) return false;
+  return ParseNumber(text) != 0.0;  // letters pass, and so do negative numbers
+}
+
+bool CCardFormatDongSeo::IsRevisionValid(std::string_view InData) const {
+  return IsNumberWithin(InData, MinRevision, MaxRevision);
+}
+
+CardDataStruct CCardFormatDongSeo::Encode(const CCardData& card) {
+  using characters::Align;
+  using characters::Zero;
+  InitErr();
+  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_DONGSEO)) return {};
+
+  // A bad card number leaves its bytes 0, and the record is still made; a bad revision leaves its
+  // bytes 0 and is not even recorded.
+  CardDataStruct work;
+  if (IsCardIDValid(card.CardID)) {
+    characters::Put(work, Backwards(0, OccupiedByteCardId),
+                    characters::Fill(card.CardID, OccupiedByteCardId, "0", Align::Right),
+                    Zero::IsZero);
+  } else {
+    steps::Reject(*this, message::kIncorrectCardID);
+  }
+  if (IsRevisionValid(card.Revision)) {
+    characters::Put(
+        work, Backwards(OccupiedByteFacility + OccupiedByteCardId, OccupiedByteRevision),
+        characters::Fill(LastChars(card.Revision, 2), CharCountRevision, "0", Align::Right),
+        Zero::IsZero);
+  }
+  return MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
+}
+
+std::optional<CCardData> CCardFormatDongSeo::Decode(const ICardFrame& frame) {
+  using characters::Zero;
+  CCardData result;
+  result.CardType = CARD_MIFARE;
+  result.CardSubType = CARD_SUB_MI_DONGSEO;
+  // The raw bytes count here, not their text. Nine bytes pass this test and end in fault 9 below.
+  const auto raw = steps::RequireRawBytes(frame);
+  if (raw.size() < 9) {
+    steps::MakeTooSmall(result);
+    return result;
+  }
+  const ByteArray bytes = IsCardArrayReversed ? ReverseBytes(raw) : ByteArray(raw);
+  if (steps::IsBlank(bytes)) return result;
+  result.CardID = characters::Take(bytes, Backwards(0, OccupiedByteCardId), Zero::IsZero);
+  result.Revision = characters::Take(
+      bytes, Backwards(OccupiedByteFacility + OccupiedByteCardId, OccupiedByteRevision),
+      Zero::IsBlank);
+  return result;
+}
+
+}  // namespace vardel

@@ -1,0 +1,51 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/layout_26bit.h>
+#include <vardel/formats/steps.h>
+
+namespace vardel {
+namespace {
+
+constexpr FormatParameters kParameters = {
+    .CardType = CARD_EM,
+    .CardSubType = CARD_SUB_EM_STD_26BITS,
+    .DefaultCardName = "EM",
+    .DefaultByte = 72,
+    .BitCount = {.Facility = 8, .CardID = 16, .Revision = 0},
+    .OccupiedByte = {.Facility = 2, .CardID = 3, .Revision = 0},
+    .BitCountTotal = 26,
+    .ByteCountTotal = 4,
+    .Min = {.Facility = 1, .CardID = 1, .Revision = -1},
+    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = -1},
+    .Mask = {.Facility = "999", .CardID = "99999", .Revision = ""},
+    .Index = {.Facility = {2, 3}, .CardID = {0, 2}, .Revision = kNoBytes},
+};
+
+}  // namespace
+
+CCardFormatEM::CCardFormatEM() : LimitCheckedFormat(kParameters) {}
+
+CardDataStruct CCardFormatEM::Encode(const CCardData& card) {
+  const auto facility = steps::AcceptFacility(*this, card);
+  if (!facility) return {};
+  steps::CheckConversion(*facility);
+  const auto cardID = steps::AcceptCardID(*this, card);
+  if (!cardID) return {};
+  steps::CheckConversion(*cardID);
+  return layout_26bit::Encode(*this, *facility, *cardID);
+}
+
+std::optional<CCardData> CCardFormatEM::Decode(const ICardFrame& frame) {
+  CCardData result;
+  result.CardType = CARD_EM;
+  result.CardSubType = CARD_SUB_EM_STD_26BITS;
+  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
+  if (const auto bytes =
+          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
+    layout_26bit::PutFields(*this, *bytes, result);
+  }
+  return result;
+}
+
+}  // namespace vardel

@@ -1,0 +1,76 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/steps.h>
+
+#include <cmath>
+
+namespace vardel {
+namespace {
+
+// 35 bits, held in 5 bytes, with three interleaved parity bits:
+//
+//     bit  34 | 33 | 32 ..... 21 | 20 ......... 1 | 0
+//          C  | A  |  facility   |  card number   | B
+//
+// A makes the bits k of 1..33 with k mod 3 != 0, and itself, even;
+// B makes the bits k of 2..33 with k mod 3 != 1, and itself, odd;
+// C makes bits 0 to 34 odd. None is checked when decoding.
+constexpr std::uint64_t kCoveredByA = 0x1'B6DB6DB6;
+constexpr std::uint64_t kCoveredByB = 0x3'6DB6DB6C;
+constexpr std::uint64_t kCoveredByC = 0x3'FFFFFFFF;
+
+// The counts announce the fields of another layout (16 and 19 bits); limits and masks follow them,
+// the bits on the card do not.
+constexpr FormatParameters kParameters = {
+    .CardType = CARD_HID,
+    .CardSubType = CARD_SUB_HID_CORPORATES1000,
+    .DefaultCardName = "HID Corporate 1000",
+    .DefaultByte = 72,
+    .BitCount = {.Facility = 16, .CardID = 19, .Revision = 0},
+    .OccupiedByte = {.Facility = 3, .CardID = 4, .Revision = 0},
+    .BitCountTotal = 37,
+    .ByteCountTotal = 5,
+    .Min = {.Facility = 1, .CardID = 1, .Revision = -1},
+    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = -1},
+    .Mask = {.Facility = "99999", .CardID = "999999", .Revision = ""},
+    .Index = {.Facility = {1, 3}, .CardID = {0, 1}, .Revision = kNoBytes},
+};
+
+}  // namespace
+
+CCardFormatHIDCorp1000::CCardFormatHIDCorp1000() : LimitCheckedFormat(kParameters) {}
+
+CardDataStruct CCardFormatHIDCorp1000::Encode(const CCardData& card) {
+  const auto facility = steps::AcceptFacility(*this, card);
+  if (!facility) return {};
+  steps::CheckConversion(*facility);
+  const auto cardID = steps::AcceptCardID(*this, card);
+  if (!cardID) return {};
+  steps::CheckConversion(*cardID);
+
+  // A facility code above 4095 spills into bits 33 to 36; the parity bits are OR-ed to that. So is
+  // B to what a fraction leaves in bit 0, and C counts both.
+  const double sum = std::exp2(21) * *facility + (*cardID + *cardID);
+  std::uint64_t value = steps::LowBytes(NumberToBytes(sum), 5);
+  value |= steps::Parity(value & kCoveredByA) << 33;
+  const std::uint64_t b = 1 ^ steps::Parity(value & kCoveredByB);
+  const std::uint64_t c = 1 ^ steps::Parity(value & kCoveredByC) ^ b;
+  value |= b | c << 34;
+  return steps::MakeRecord(*this, steps::BytesOf(value));
+}
+
+std::optional<CCardData> CCardFormatHIDCorp1000::Decode(const ICardFrame& frame) {
+  CCardData result;  // type and sub-type stay 0
+  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
+  if (const auto bytes =
+          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
+    const std::uint64_t value = steps::LowBytes(*bytes, 5);
+    steps::PutNumbers(*this, static_cast<double>(steps::GetBits(value, 21, 12)),
+                      static_cast<double>(steps::GetBits(value, 1, 20)), result);
+  }
+  return result;
+}
+
+}  // namespace vardel

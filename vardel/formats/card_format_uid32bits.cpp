@@ -1,0 +1,68 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/core/number.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/steps.h>
+
+#include <span>
+
+namespace vardel {
+namespace {
+
+// The card's unique identifier is the card number, least significant byte first:
+//
+//     byte  0 ... 3 | 4 ... 31
+//            UID    |    0
+constexpr std::size_t kUidBytes = 4;
+
+constexpr FormatParameters kParameters = {
+    .IsSmartCard = true,
+    .CardType = CARD_MIFARE,
+    .CardSubType = CARD_SUB_MI_UID_32BITS,
+    .DefaultCardName = "UID 32Bits Smart Card",
+    .DefaultByte = 0,
+    .BitCount = {.Facility = 0, .CardID = 32, .Revision = 0},
+    .OccupiedByte = {.Facility = 0, .CardID = 32, .Revision = 0},
+    .BitCountTotal = 32,
+    .ByteCountTotal = kUidBytes,
+    .Min = {.Facility = 0, .CardID = 1, .Revision = 0},
+    .Max = {.Facility = 0, .CardID = 4294967295, .Revision = 0},
+    .Mask = {.Facility = "", .CardID = "9999999999", .Revision = ""},
+    .Index = {.Facility = {0, 0}, .CardID = {0, 3}, .Revision = {0, 0}},
+};
+
+}  // namespace
+
+CCardFormatUID32BIts::CCardFormatUID32BIts() : CCardFormatInfo(kParameters) {}
+
+bool CCardFormatUID32BIts::IsFacilityValid(std::string_view /*InData*/) const { return true; }
+
+bool CCardFormatUID32BIts::IsCardIDValid(std::string_view InData) const {
+  const auto value = ParseNumber(InData);
+  return value && MinCardID <= *value && *value < MaxCardID;
+}
+
+bool CCardFormatUID32BIts::IsRevisionValid(std::string_view /*InData*/) const { return true; }
+
+CardDataStruct CCardFormatUID32BIts::Encode(const CCardData& card) {
+  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_UID_32BITS)) return {};
+  // No range is checked: a larger number is taken modulo 2^32.
+  const std::uint64_t uid = steps::LowBytes(NumberToBytesByByte(card.CardID), kUidBytes);
+  const auto bytes = steps::BytesOf(uid);
+  return MakeCardDataStruct(std::span(bytes).first(kUidBytes), IsCardArrayReversed);
+}
+
+std::optional<CCardData> CCardFormatUID32BIts::Decode(const ICardFrame& frame) {
+  CCardData result;
+  result.CardType = CARD_MIFARE;
+  result.CardSubType = CARD_SUB_MI_UID_32BITS;
+  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 0};
+  if (const auto bytes =
+          steps::ReadBytes(*this, frame, steps::kMinSmartCardBytes, kRereads, result)) {
+    result.CardID = NumberText(static_cast<double>(steps::LowBytes(*bytes, kUidBytes)));
+  }
+  return result;
+}
+
+}  // namespace vardel

@@ -1,0 +1,51 @@
+#include <vardel/core/enumerations.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/formats/text_layout.h>
+
+namespace vardel {
+namespace {
+
+// Text, one character per byte; the facility code is filled with "0" on the left, the other fields
+// with blanks on the right, and blanks are stored as 0:
+//
+//     byte     0     | 1 ........ 13 | 14 ... 15 | 16 ... 31
+//           facility |  card number  |  revision |     0
+constexpr TextLayout kLayout = {
+    .subType = CARD_SUB_MI_WOORI_BANK,
+    .align = characters::Align::Left,
+    .filler = "",
+    .blank = characters::Zero::IsBlank,
+    .facility = {.first = 0, .count = 1},
+    .cardID = {.first = 1, .count = 13},
+    .revision = {.first = 14, .count = 2},
+};
+
+constexpr FormatParameters kParameters = {
+    .IsSmartCard = true,
+    .CardType = CARD_MIFARE,
+    .CardSubType = CARD_SUB_MI_WOORI_BANK,
+    .DefaultCardName = "Woori Bank Smart Card",
+    .DefaultChar = " ",
+    .DefaultByte = 0,
+    .BitCount = {.Facility = 8, .CardID = 104, .Revision = 16},
+    .OccupiedByte = {.Facility = 1, .CardID = 13, .Revision = 2},
+    .BitCountTotal = 128,
+    .ByteCountTotal = 16,
+    .Min = {.Facility = 0, .CardID = 1, .Revision = 0},
+    .Max = {.Facility = 9, .CardID = 9999999999999, .Revision = 99},
+    .Mask = {.Facility = "C", .CardID = "CCCCCCCCCCCCC", .Revision = "99"},
+    .Index = {.Facility = {0, 0}, .CardID = {1, 13}, .Revision = {14, 15}},
+};
+
+}  // namespace
+
+CCardFormatWoori::CCardFormatWoori() : TextFormat(kParameters, kLayout) {
+  // Two hexadecimal digits per byte of each field. CharCountTotal keeps the sum of the mask
+  // lengths.
+  CharCountFacility = 2;
+  CharCountCardID = 26;
+  CharCountRevision = 2;
+}
+
+}  // namespace vardel
