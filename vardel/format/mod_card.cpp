@@ -16,32 +16,6 @@ namespace {
 /// The largest double has 1024 bits.
 constexpr std::size_t kMaxNumberBytes = 128;
 
-/// Divides the number down to its digits to the base `Base`, `DigitsPerByte` of them to a byte.
-template <int Base, int DigitsPerByte>
-ByteArray Digits(double value) {
-  if (auto whole = WholeNumber(value)) {
-    // Nothing to round: the bytes are those of the integer.
-    ByteArray bytes(std::max<std::size_t>((std::bit_width(*whole) + 7) / 8, 1));
-    for (std::uint8_t& byte : bytes) {
-      byte = static_cast<std::uint8_t>(*whole);
-      *whole >>= 8;
-    }
-    return bytes;
-  }
-  if (!std::isfinite(value)) throw HostFault(Fault::Overflow);
-  std::array<std::uint8_t, kMaxNumberBytes> bytes{};
-  std::size_t digitCount = 0;
-  for (; value != 0; ++digitCount) {
-    const double quotient = std::trunc(value / Base);
-    const double remainder = value - quotient * Base;
-    std::uint8_t& byte = bytes[digitCount / DigitsPerByte];
-    byte = ToByte(digitCount % DigitsPerByte == 0 ? remainder : remainder * Base + byte);
-    value = quotient;
-  }
-  const std::size_t byteCount = (digitCount + DigitsPerByte - 1) / DigitsPerByte;
-  return ByteArray(std::span(bytes).first(std::max<std::size_t>(byteCount, 1)));
-}
-
 }  // namespace
 
 bool IsByteArrayVariant(std::uint16_t variantTypeCode) {
@@ -78,15 +52,35 @@ std::string ByteArrayToNumberText(std::span<const std::uint8_t> Bytes) {
   return std::isfinite(sum) ? NumberText(sum) : std::string();
 }
 
-ByteArray NumberToBytesByByte(double Value) { return Digits<256, 1>(Value); }
+ByteArray NumberToBytesByByte(double Value) {
+  if (auto whole = WholeNumber(Value)) {
+    // Nothing to round: the bytes are those of the integer.
+    ByteArray bytes(std::max<std::size_t>((std::bit_width(*whole) + 7) / 8, 1));
+    for (std::uint8_t& byte : bytes) {
+      byte = static_cast<std::uint8_t>(*whole);
+      *whole >>= 8;
+    }
+    return bytes;
+  }
+  if (!std::isfinite(Value)) throw HostFault(Fault::Overflow);
+  std::array<std::uint8_t, kMaxNumberBytes> bytes{};
+  std::size_t count = 0;
+  for (; Value != 0; ++count) {
+    const double quotient = std::trunc(Value / 256);
+    bytes[count] = ToByte(Value - quotient * 256);
+    Value = quotient;
+  }
+  return ByteArray(std::span(bytes).first(count));
+}
 
 ByteArray NumberToBytesByByte(std::string_view Value) {
   return NumberToBytesByByte(RequireNumber(Value));
 }
 
-ByteArray NumberToBytes(double Value) { return Digits<16, 2>(Value); }
+// Sixteen times the upper digit is even, so rounding the lower digit to even rounds the byte to even.
+ByteArray NumberToBytes(double Value) { return NumberToBytesByByte(Value); }
 
-ByteArray NumberToBytes(std::string_view Value) { return NumberToBytes(RequireNumber(Value)); }
+ByteArray NumberToBytes(std::string_view Value) { return NumberToBytesByByte(Value); }
 
 ByteArray ReverseBytes(std::span<const std::uint8_t> Bytes) {
   ByteArray reversed(Bytes);

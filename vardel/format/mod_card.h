@@ -36,8 +36,7 @@ std::string ByteArrayToNumberText(std::span<const std::uint8_t> Bytes);
 ByteArray NumberToBytesByByte(double Value);
 ByteArray NumberToBytesByByte(std::string_view Value);
 
-/// As NumberToBytesByByte, but by repeated division by 16, two digits per byte: the two differ in
-/// how they round the fraction of a fractional number.
+/// The same by repeated division by 16, two digits per byte; the bytes and faults are the same.
 ByteArray NumberToBytes(double Value);
 ByteArray NumberToBytes(std::string_view Value);
 
