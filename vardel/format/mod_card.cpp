@@ -55,7 +55,8 @@ std::string ByteArrayToNumberText(std::span<const std::uint8_t> Bytes) {
 ByteArray NumberToBytesByByte(double Value) {
   if (auto whole = WholeNumber(Value)) {
     // Nothing to round: the bytes are those of the integer.
-    ByteArray bytes(std::max<std::size_t>((std::bit_width(*whole) + 7) / 8, 1));
+    const auto bits = static_cast<std::size_t>(std::bit_width(*whole));
+    ByteArray bytes(std::max<std::size_t>((bits + 7) / 8, 1));
     for (std::uint8_t& byte : bytes) {
       byte = static_cast<std::uint8_t>(*whole);
       *whole >>= 8;

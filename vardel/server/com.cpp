@@ -1,0 +1,94 @@
+#include <vardel/core/text.h>
+#include <vardel/server/com.h>
+
+#include <atomic>
+
+namespace vardel::server {
+namespace {
+
+std::atomic<long> moduleUses{0};
+
+constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+
+void AppendUtf8(std::string& text, char32_t character) {
+  constexpr char32_t kLimits[] = {0x80, 0x800, 0x10000};
+  constexpr unsigned kLeads[] = {0x00, 0xC0, 0xE0, 0xF0};
+  int more = 0;
+  while (more < 3 && character >= kLimits[more]) ++more;
+  text += static_cast<char>(kLeads[more] | (character >> 6 * more));
+  while (more-- > 0) text += static_cast<char>(0x80 | ((character >> 6 * more) & 0x3F));
+}
+
+/// The surrogate that the text begins with in its three-byte form, or 0.
+char32_t LeadingSurrogate(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  if (text.size() < 3 || byte(0) != 0xED || (byte(1) & 0xE0) != 0xA0 || (byte(2) & 0xC0) != 0x80) {
+    return 0;
+  }
+  return 0xD000 | (byte(1) & 0x3Fu) << 6 | (byte(2) & 0x3Fu);
+}
+
+}  // namespace
+
+std::string Utf8(std::wstring_view text) {
+  std::string utf8;
+  utf8.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char32_t character = text[i];
+    if (IsHighSurrogate(character) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
+      character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - 0xDC00u);
+    }
+    AppendUtf8(utf8, character);
+  }
+  return utf8;
+}
+
+std::string Utf8(BSTR text) {
+  return text == nullptr ? std::string() : Utf8(std::wstring_view(text, SysStringLen(text)));
+}
+
+std::wstring Wide(std::string_view text) {
+  std::wstring wide;
+  wide.reserve(text.size());
+  while (!text.empty()) {
+    char32_t character = LeadingSurrogate(text);
+    if (character != 0) {
+      text.remove_prefix(3);
+    } else {
+      character = TakeChar(text);
+    }
+    if (character >= 0x10000) {
+      wide += static_cast<wchar_t>(0xD800 + ((character - 0x10000) >> 10));
+      character = 0xDC00 + ((character - 0x10000) & 0x3FF);
+    }
+    wide += static_cast<wchar_t>(character);
+  }
+  return wide;
+}
+
+BSTR NewBstr(std::string_view text) {
+  const std::wstring wide = Wide(text);
+  BSTR result = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+  if (result == nullptr) throw std::bad_alloc();
+  return result;
+}
+
+void AddModuleUse() { ++moduleUses; }
+void ReleaseModuleUse() { --moduleUses; }
+bool IsModuleInUse() { return moduleUses != 0; }
+
+std::wstring ModulePath() {
+  std::wstring path(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD length =
+        GetModuleFileNameW(moduleInstance, path.data(), static_cast<DWORD>(path.size()));
+    if (length < path.size()) {
+      path.resize(length);
+      return path;
+    }
+    path.resize(2 * path.size());
+  }
+}
+
+}  // namespace vardel::server

@@ -1,0 +1,94 @@
+#pragma once
+
+// Windows types by value: what the rest of the server needs of the platform, with its ownership.
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#include <oaidl.h>
+#include <oleauto.h>
+#include <windows.h>
+
+#include <new>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace vardel::server {
+
+/// Holds one reference to an interface.
+template <class Interface>
+class ComPtr {
+ public:
+  ComPtr() = default;
+  ComPtr(const ComPtr& other) : pointer_(other.pointer_) {
+    if (pointer_ != nullptr) pointer_->AddRef();
+  }
+  ComPtr(ComPtr&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
+  ComPtr& operator=(ComPtr other) noexcept {
+    std::swap(pointer_, other.pointer_);
+    return *this;
+  }
+  ~ComPtr() {
+    if (pointer_ != nullptr) pointer_->Release();
+  }
+
+  /// Adds a reference of its own.
+  static ComPtr Share(Interface* pointer) {
+    if (pointer != nullptr) pointer->AddRef();
+    return Adopt(pointer);
+  }
+  /// Takes over the caller's reference.
+  static ComPtr Adopt(Interface* pointer) {
+    ComPtr result;
+    result.pointer_ = pointer;
+    return result;
+  }
+
+  Interface* get() const { return pointer_; }
+  Interface* operator->() const { return pointer_; }
+  explicit operator bool() const { return pointer_ != nullptr; }
+  /// For functions that hand out a reference; only while empty.
+  Interface** out() { return &pointer_; }
+  Interface* Detach() { return std::exchange(pointer_, nullptr); }
+
+  /// The same object's other interface; empty when it has none such.
+  template <class Other>
+  ComPtr<Other> As() const {
+    ComPtr<Other> other;
+    if (pointer_ != nullptr) {
+      pointer_->QueryInterface(__uuidof(Other), reinterpret_cast<void**>(other.out()));
+    }
+    return other;
+  }
+
+ private:
+  Interface* pointer_ = nullptr;
+};
+
+/// A VARIANT that clears itself.
+struct Variant : VARIANT {
+  Variant() : VARIANT{} {}
+  Variant(const Variant&) = delete;
+  Variant& operator=(const Variant&) = delete;
+  ~Variant() { VariantClear(this); }
+};
+
+/// UTF-8 of a BSTR's text; null is "". Unpaired surrogates pass in their three-byte form, so that
+/// text which is only stored comes back as it was.
+std::string Utf8(std::wstring_view text);
+std::string Utf8(BSTR text);
+/// A new BSTR of a UTF-8 text; throws std::bad_alloc.
+BSTR NewBstr(std::string_view text);
+std::wstring Wide(std::string_view text);
+
+/// Counts what keeps the DLL loaded: objects, locks, records in hosts' variables.
+void AddModuleUse();
+void ReleaseModuleUse();
+bool IsModuleInUse();
+
+extern HINSTANCE moduleInstance;
+/// The DLL's own path.
+std::wstring ModulePath();
+
+}  // namespace vardel::server

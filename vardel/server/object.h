@@ -1,0 +1,213 @@
+#pragma once
+
+#include <vardel/core/card_byte_data.h>
+#include <vardel/core/card_data.h>
+#include <vardel/core/error.h>
+#include <vardel/core/host_fault.h>
+#include <vardel/facade/card_type.h>
+#include <vardel/format/card_format_info.h>
+#include <vardel/server/dispatch.h>
+#include <vardel/server/status.h>
+
+#include <vardel_idl.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+namespace vardel::server {
+
+/// One of these stands for each type of core object in this very module: another copy of the DLL in
+/// the same process has others.
+template <class Core>
+inline const char coreTag = 0;
+
+/// How our objects know each other.
+MIDL_INTERFACE("7e5c0300-93ad-4c1f-8b26-d04fa1e37c58")
+INativeObject : public IUnknown {
+  /// The object's std::shared_ptr to its core object when that is of the tagged type, else null.
+  STDMETHOD_(const void*, CoreOf)(const void* tag) = 0;
+};
+
+}  // namespace vardel::server
+__CRT_UUID_DECL(vardel::server::INativeObject, 0x7e5c0300, 0x93ad, 0x4c1f, 0x8b, 0x26, 0xd0, 0x4f,
+                0xa1, 0xe3, 0x7c, 0x58)
+
+namespace vardel::server {
+
+/// The automation objects of core objects, as long as any client holds them.
+class ObjectMap {
+ public:
+  static void Add(const void* core, IUnknown* object);
+  static void Remove(const void* core);
+  /// With a reference of its own; empty when there is none.
+  static ComPtr<IUnknown> Find(const void* core);
+};
+
+/// The core object of a host's argument: null stays null, an object of any other kind is fault 13.
+template <class Core>
+std::shared_ptr<Core> FromHost(IUnknown* object) {
+  if (object == nullptr) return nullptr;
+  const auto native = ComPtr<IUnknown>::Share(object).As<INativeObject>();
+  const void* const core = native ? native->CoreOf(&coreTag<Core>) : nullptr;
+  if (core == nullptr) throw HostFault(Fault::TypeMismatch);
+  return *static_cast<const std::shared_ptr<Core>*>(core);
+}
+/// The same for an argument by reference, whose reference may be null as well.
+template <class Core, class Interface>
+std::shared_ptr<Core> FromHost(Interface** object) {
+  return object == nullptr ? nullptr : FromHost<Core>(*object);
+}
+
+// The automation object of a core object: the live one, or a new one.
+ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CError> core);
+ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardData> core);
+ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardByteData> core);
+ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardType> core);
+ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardFormatInfo> core);
+
+// --- results ---
+
+inline void Assign(BSTR* out, std::string_view text) { *out = NewBstr(text); }
+inline void Assign(LONG* out, std::int32_t value) { *out = value; }
+inline void Assign(SHORT* out, std::int16_t value) { *out = value; }
+inline void Assign(VARIANT_BOOL* out, bool value) { *out = value ? VARIANT_TRUE : VARIANT_FALSE; }
+inline void Assign(unsigned char* out, std::uint8_t value) { *out = value; }
+inline void Assign(double* out, double value) { *out = value; }
+inline void Assign(::CardType* out, std::int32_t value) { *out = static_cast<::CardType>(value); }
+inline void Assign(::CardDataStruct* out, const vardel::CardDataStruct& record) {
+  std::ranges::copy(record.Bytes, out->Bytes);
+}
+/// An object, as an interface that it has; null for null.
+template <class Interface, class Core>
+void Assign(Interface** out, const std::shared_ptr<Core>& core) {
+  if (core != nullptr) *out = ObjectOf(core).template As<Interface>().Detach();
+}
+
+inline vardel::CardDataStruct Record(const ::CardDataStruct& record) {
+  vardel::CardDataStruct result;
+  std::ranges::copy(record.Bytes, result.Bytes.begin());
+  return result;
+}
+
+/// An automation object: reference count, interfaces, late-bound calls, and the boundary around
+/// every member. It has no state but its core object. The first interface is the default one.
+template <class CoreType, class... Interfaces>
+class Object : public Interfaces..., public ISupportErrorInfo, public INativeObject {
+ public:
+  using Core = CoreType;
+  using Default = std::tuple_element_t<0, std::tuple<Interfaces...>>;
+
+  Object(const char* className, std::shared_ptr<Core> core)
+      : className_(className), core_(std::move(core)) {
+    ObjectMap::Add(core_.get(), Unknown());
+    AddModuleUse();
+  }
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+  virtual ~Object() {
+    ObjectMap::Remove(core_.get());
+    ReleaseModuleUse();
+  }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (iid == IID_IUnknown || iid == IID_IDispatch) *object = static_cast<Default*>(this);
+    ((iid == __uuidof(Interfaces) ? void(*object = static_cast<Interfaces*>(this)) : void()), ...);
+    if (iid == IID_ISupportErrorInfo) *object = static_cast<ISupportErrorInfo*>(this);
+    if (iid == __uuidof(INativeObject)) *object = static_cast<INativeObject*>(this);
+    if (*object == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+  STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+    if (count == nullptr) return E_POINTER;
+    *count = 1;
+    return S_OK;
+  }
+  STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    if (index != 0) return DISP_E_BADINDEX;
+    return Guard(className_, [&] { *info = LoadTypeInfo(__uuidof(Default)).Detach(); });
+  }
+  STDMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+    HRESULT status = S_OK;
+    const HRESULT guarded = Guard(
+        className_, [&] { status = server::GetIDsOfNames(Targets(), riid, names, count, ids); });
+    return FAILED(guarded) ? guarded : status;
+  }
+  STDMETHODIMP Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPARAMS* params, VARIANT* result,
+                      EXCEPINFO* exception, UINT* argumentError) override {
+    const auto keep = ComPtr<IUnknown>::Share(Unknown());
+    HRESULT status = S_OK;
+    const HRESULT guarded = Guard(className_, [&] {
+      status = server::Invoke(Targets(), id, riid, flags, params, result, exception, argumentError);
+    });
+    return FAILED(guarded) ? guarded : status;
+  }
+
+  STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override {
+    return ((iid == __uuidof(Interfaces)) || ...) ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP_(const void*) CoreOf(const void* tag) override {
+    return tag == &coreTag<Core> ? &core_ : nullptr;
+  }
+
+ protected:
+  Core& core() const { return *core_; }
+  const char* className() const { return className_; }
+
+  /// Runs a member. The object outlives it, whatever a host's frame does meanwhile.
+  template <class F>
+  HRESULT Call(F&& call) {
+    const auto keep = ComPtr<IUnknown>::Share(Unknown());
+    return Guard(className_, call);
+  }
+  /// Runs a member with a result, which is cleared first.
+  template <class T, class F>
+  HRESULT Get(T* out, F&& result) {
+    if (out == nullptr) return E_POINTER;
+    *out = T();
+    return Call([&] { Assign(out, result()); });
+  }
+  /// Runs a member whose result is an empty variant.
+  template <class F>
+  HRESULT GetEmpty(VARIANT* out, F&& call) {
+    if (out == nullptr) return E_POINTER;
+    VariantInit(out);
+    return Call(call);
+  }
+
+ private:
+  IUnknown* Unknown() { return static_cast<Default*>(this); }
+
+  std::array<DispatchTarget, sizeof...(Interfaces)> Targets() {
+    return {DispatchTarget{TableOf<Interfaces>(), static_cast<Interfaces*>(this)}...};
+  }
+  template <class Interface>
+  static const TypeTable& TableOf() {
+    static const TypeTable table(__uuidof(Interface));
+    return table;
+  }
+
+  const char* className_;
+  std::shared_ptr<Core> core_;
+  std::atomic<ULONG> references_{1};
+};
+
+}  // namespace vardel::server

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <vardel/server/com.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vardel::server {
+
+/// The embedded type library. Throws std::runtime_error where it cannot be loaded.
+ComPtr<ITypeLib> LoadTypeLibrary();
+/// A type of the library.
+ComPtr<ITypeInfo> LoadTypeInfo(REFGUID guid);
+
+/// A parameter, or a result, as a late-bound call sees it.
+struct Parameter {
+  std::wstring name;
+  VARTYPE type = VT_EMPTY;  // enumerations are VT_I4, interfaces VT_DISPATCH, records VT_RECORD
+  bool isByRef = false;
+  bool isOptional = false;
+  GUID guid{};  // of an interface or a record
+};
+
+struct Member {
+  std::wstring name;
+  DISPID id = DISPID_UNKNOWN;
+  INVOKEKIND kind = INVOKE_FUNC;
+  std::size_t vtableOffset = 0;  // in bytes
+  std::vector<Parameter> parameters;
+  Parameter result;  // VT_EMPTY for none
+};
+
+/// The members of one dual interface, in its order.
+class TypeTable {
+ public:
+  explicit TypeTable(REFIID iid);
+
+  const std::vector<Member>& members() const { return members_; }
+  /// By name, in any case; null when there is none.
+  const Member* Find(std::wstring_view name) const;
+
+ private:
+  std::vector<Member> members_;
+};
+
+bool EqualNames(std::wstring_view left, std::wstring_view right);
+
+}  // namespace vardel::server
