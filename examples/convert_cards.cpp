@@ -49,7 +49,7 @@ template <class Convert>
 void PrintRow(const std::vector<std::string>& row, Totals& totals, Convert convert) {
   std::string joined;
   for (const std::string& cell : row) joined += (joined.empty() ? "" : ",") + cell;
-  if (joined.size() > 40) joined = joined.substr(0, 37) + "...";
+  if (joined.size() > 40) joined.replace(37, std::string::npos, "...");
   std::cout << std::left << std::setw(42) << joined;
   ++totals.rows;
   try {

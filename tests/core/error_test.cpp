@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace vardel {
 namespace {
 
@@ -17,7 +19,6 @@ TEST(ErrorTest, ObjectsGivenTheSameErrorShareItsRecordWhichOutlivesThem) {
   EXPECT_EQ(second->ErrNumber(), 0);
   EXPECT_EQ(second->ErrName(), "");
   second->CardType(9);
-  EXPECT_EQ(first->ErrNumber(), -1);
   const std::shared_ptr<CError> error = first->Error();
   first = second = std::nullopt;
   EXPECT_EQ(error->ErrName, "Incorrect Card Type");

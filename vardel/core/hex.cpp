@@ -9,18 +9,21 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
 
-/// Value of each character code as a hexadecimal digit; kNoDigit for all others.
 constexpr std::uint8_t kNoDigit = 0xFF;
-constexpr std::array<std::uint8_t, 256> kDigitValues = [] {
+
+/// Value of each character code as a hexadecimal digit; kNoDigit for all others.
+constexpr std::array<std::uint8_t, 256> MakeDigitValues() {
   std::array<std::uint8_t, 256> values{};
   values.fill(kNoDigit);
-  for (std::uint8_t value = 0; value < kDigits.size(); ++value) {
+  for (std::size_t value = 0; value < kDigits.size(); ++value) {
     const auto upper = static_cast<std::uint8_t>(kDigits[value]);
-    values[upper] = value;
-    values[upper | 0x20] = value;  // digits have this bit already, letters become lower case
+    values[upper] = static_cast<std::uint8_t>(value);
+    values[upper | 0x20] =
+        values[upper];  // digits have this bit already, letters become lower case
   }
   return values;
-}();
+}
+constexpr std::array<std::uint8_t, 256> kDigitValues = MakeDigitValues();
 
 std::uint8_t DigitValue(char c) { return kDigitValues[static_cast<std::uint8_t>(c)]; }
 

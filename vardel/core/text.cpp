@@ -43,13 +43,15 @@ constexpr Sequence SequenceOf(std::uint8_t lead) {
 }  // namespace
 
 char32_t TakeChar(std::string_view& rest) noexcept {
+  // Not empty on entry; the test below is about what follows the first byte.
+  // cppcheck-suppress containerOutOfBounds
   const auto lead = static_cast<std::uint8_t>(rest.front());
   rest.remove_prefix(1);
   if (lead < 0x80) return lead;
 
   auto [length, low, high] = SequenceOf(lead);
   if (length == 0) return kReplacement;
-  char32_t character = lead & (0x7Fu >> length);
+  char32_t character = lead & (0x7FU >> length);
   for (int i = 1; i < length; ++i) {
     if (rest.empty()) return kReplacement;
     const auto next = static_cast<std::uint8_t>(rest.front());

@@ -29,10 +29,13 @@ std::int16_t AddCounts(int left, int right) {
 
 CCardFormatInfo::CCardFormatInfo(const FormatParameters& parameters)
     : isSmartCard_(parameters.IsSmartCard) {
+  // All values are put one after the other, so that those that depend on others see them.
   CardType = parameters.CardType;
   CardSubType = parameters.CardSubType;
+  // cppcheck-suppress useInitializationList
   DefaultCardName = parameters.DefaultCardName;
   CardName = DefaultCardName;
+  // cppcheck-suppress useInitializationList
   DefaultChar = parameters.DefaultChar;
   DefaultByte = parameters.DefaultByte;
   BitCountFacility = parameters.BitCount.Facility;

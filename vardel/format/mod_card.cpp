@@ -78,7 +78,8 @@ ByteArray NumberToBytesByByte(std::string_view Value) {
   return NumberToBytesByByte(RequireNumber(Value));
 }
 
-// Sixteen times the upper digit is even, so rounding the lower digit to even rounds the byte to even.
+// Sixteen times the upper digit is even, so rounding the lower digit to even rounds the byte to
+// even.
 ByteArray NumberToBytes(double Value) { return NumberToBytesByByte(Value); }
 
 ByteArray NumberToBytes(std::string_view Value) { return NumberToBytesByByte(Value); }
