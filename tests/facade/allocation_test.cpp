@@ -1,32 +1,19 @@
+#include "tests/support/allocations.h"
+
 #include <vardel/core/card_frame.h>
 #include <vardel/core/enumerations.h>
 #include <vardel/facade/card.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
-// Counts what the whole program asks of the heap.
-namespace {
-std::size_t allocations = 0;
-}
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* const memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-
 namespace vardel {
 namespace {
 
 template <class F>
 std::size_t AllocationsOf(F&& call) {
-  const std::size_t before = allocations;
+  const std::size_t before = AllocationCount();
   call();
-  return allocations - before;
+  return AllocationCount() - before;
 }
 
 TEST(Allocations, AreNotMadeByTheConversionsOfTheFacade) {

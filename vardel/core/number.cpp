@@ -30,16 +30,6 @@ char TakeAnyOf(std::string_view& rest, std::string_view characters) {
   return taken;
 }
 
-/// Numbers of up to 15 digits without point or exponent, as nearly all fields are, are whole and
-/// exact in a double.
-constexpr std::size_t kExactDigits = 15;
-
-double WholeValue(std::string_view digits) {
-  std::int64_t value = 0;
-  for (const char c : digits) value = value * 10 + (c - '0');
-  return static_cast<double>(value);
-}
-
 /// The value of digits, point and exponent. The exponent letter may be D, which the standard
 /// conversion does not know.
 std::optional<double> DecimalValue(std::string_view whole, std::string_view fraction,
@@ -71,6 +61,8 @@ std::optional<double> DecimalValue(std::string_view whole, std::string_view frac
 }  // namespace
 
 std::optional<double> ParseNumber(std::string_view text) {
+  if (double digits = 0; ParseDigits(text, digits)) return digits;
+
   constexpr std::string_view kSpace = " \t";
   std::string_view rest = text;
   while (TakeAnyOf(rest, kSpace) != 0) continue;
@@ -90,9 +82,7 @@ std::optional<double> ParseNumber(std::string_view text) {
   while (TakeAnyOf(rest, kSpace) != 0) continue;
   if (!rest.empty()) return std::nullopt;
 
-  const bool isPlain = fraction.empty() && exponent == "0" && whole.size() <= kExactDigits;
-  std::optional<double> value =
-      isPlain ? WholeValue(whole) : DecimalValue(whole, fraction, exponentSign, exponent);
+  std::optional<double> value = DecimalValue(whole, fraction, exponentSign, exponent);
   if (value && sign == '-') value = -*value;
   return value;
 }
@@ -106,14 +96,6 @@ double RequireNumber(std::string_view text) {
 bool IsNumberWithin(std::string_view text, double min, double max) {
   const std::optional<double> value = ParseNumber(text);
   return value && min <= *value && *value <= max;
-}
-
-std::optional<std::uint64_t> WholeNumber(double value) {
-  constexpr double kLimit = 9007199254740992.0;
-  if (!(value >= 0 && value < kLimit)) return std::nullopt;
-  const auto whole = static_cast<std::int64_t>(value);
-  if (static_cast<double>(whole) != value) return std::nullopt;
-  return static_cast<std::uint64_t>(whole);
 }
 
 std::uint8_t ToByte(double value) {
@@ -130,18 +112,21 @@ std::string NumberText(double value) { return NumberText(value, 0); }
 
 std::string NumberText(double value, std::int16_t charCount) {
   if (charCount < 0) throw HostFault(Fault::InvalidCall);
-  // The largest double has 309 digits before the point.
-  std::array<char, 320> digits;
-  char* const begin = digits.data();
-  const auto whole = WholeNumber(value);
-  char* const end =
-      whole ? std::to_chars(begin, begin + digits.size(), *whole).ptr
-            : std::to_chars(begin, begin + digits.size(), value, std::chars_format::fixed, 0).ptr;
-  const auto count = static_cast<std::size_t>(end - begin);
-  const auto width = std::max(count, static_cast<std::size_t>(charCount));
-  std::string text(width, '0');
-  std::copy(begin, end, text.end() - static_cast<std::ptrdiff_t>(count));
-  return text;
+  const auto width = static_cast<std::size_t>(charCount);
+  if (auto whole = WholeNumber(value)) {
+    std::size_t count = 1;
+    for (std::uint64_t power = 10; power <= *whole; power *= 10) ++count;
+    std::string text(std::max(width, count), '0');
+    for (auto digit = text.rbegin(); *whole != 0; *whole /= 10) {
+      *digit++ = static_cast<char>('0' + *whole % 10);
+    }
+    return text;
+  }
+  std::array<char, 320> digits;  // the largest double has 309 before the point
+  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                                          std::chars_format::fixed, 0);
+  const auto count = static_cast<std::size_t>(end - digits.data());
+  return std::string(width > count ? width - count : 0, '0').append(digits.data(), count);
 }
 
 }  // namespace vardel

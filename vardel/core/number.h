@@ -8,6 +8,21 @@
 /// Numbers travel as decimal text and are computed with as doubles.
 namespace vardel {
 
+/// Whether the text is 1 to 15 digits and nothing else, as nearly all fields are; then `value`,
+/// which is exact, is set. The result is a bare bool because an optional costs the hot path its
+/// registers.
+inline bool ParseDigits(std::string_view text, double& value) {
+  if (text.empty() || text.size() > 15) return false;
+  std::int64_t sum = 0;
+  for (const char c : text) {
+    const int digit = c - '0';
+    if (digit < 0 || digit > 9) return false;
+    sum = sum * 10 + digit;
+  }
+  value = static_cast<double>(sum);
+  return true;
+}
+
 /// The value of a numeric text, or nothing when the text is not numeric. Numeric is: optional
 /// blanks or tabs; an optional sign; digits with at most one decimal point and at least one digit;
 /// an optional exponent (e, E, d or D, an optional sign, digits); optional blanks or tabs; and
@@ -23,7 +38,13 @@ bool IsNumberWithin(std::string_view text, double min, double max);
 
 /// The number as an integer when it is whole, not negative and below 2^53, where doubles and
 /// integers agree.
-std::optional<std::uint64_t> WholeNumber(double value);
+inline std::optional<std::uint64_t> WholeNumber(double value) {
+  constexpr double kLimit = 9007199254740992.0;
+  if (!(value >= 0 && value < kLimit)) return std::nullopt;
+  const auto whole = static_cast<std::int64_t>(value);
+  if (static_cast<double>(whole) != value) return std::nullopt;
+  return static_cast<std::uint64_t>(whole);
+}
 
 /// A double stored in a byte: rounded to nearest, ties to even; outside 0..255 is fault 6.
 std::uint8_t ToByte(double value);

@@ -92,13 +92,13 @@ CCardData CCard::AnalyzeCardData(const ICardFrame* UFrame) const {
   const ICardFrame& frame = RequireObject(UFrame);
   const std::int32_t cardType = frame.FrameCardType();
   const std::int32_t cardSubType = frame.FrameCardSubType();
+  CCardData result;
   if (IsValidTypePair(cardType, cardSubType)) {
-    return Format(cardType, cardSubType).AnalyzeCardData(frame).value();
+    Format(cardType, cardSubType).Decode(frame, result);
+  } else if (frame.IsEMFrame()) {
+    Format(CARD_EM, CARD_SUB_EM_STD_26BITS).Decode(frame, result);
   }
-  if (frame.IsEMFrame()) {
-    return Format(CARD_EM, CARD_SUB_EM_STD_26BITS).AnalyzeCardData(frame).value();
-  }
-  return {};
+  return result;
 }
 
 }  // namespace vardel

@@ -75,14 +75,18 @@ CardDataStruct CCardFormatInfo::MakeCardData(const CCardData* CardData) {
   return Encode(RequireObject(CardData));
 }
 
+std::optional<CCardData> CCardFormatInfo::AnalyzeCardData(const ICardFrame& UserInfo) {
+  std::optional<CCardData> result(std::in_place);
+  if (!Decode(UserInfo, *result)) result.reset();
+  return result;
+}
+
 std::optional<CCardData> CCardFormatInfo::AnalyzeCardData(const ICardFrame* UserInfo) {
-  return Decode(RequireObject(UserInfo));
+  return AnalyzeCardData(RequireObject(UserInfo));
 }
 
 CardDataStruct CCardFormatInfo::Encode(const CCardData& /*card*/) { return {}; }
 
-std::optional<CCardData> CCardFormatInfo::Decode(const ICardFrame& /*frame*/) {
-  return std::nullopt;
-}
+bool CCardFormatInfo::Decode(const ICardFrame& /*frame*/, CCardData& /*result*/) { return false; }
 
 }  // namespace vardel

@@ -105,15 +105,18 @@ class CCardFormatInfo : public ErrorHolder {
   /// Decodes a read. Content errors are recorded on the result; a blank read (all bytes 00 or all
   /// FF) has empty fields and no error. The base gives nothing. Bytes that are no array and
   /// malformed or short hexadecimal text are fault 13, a null frame is fault 91.
-  std::optional<CCardData> AnalyzeCardData(const ICardFrame& UserInfo) { return Decode(UserInfo); }
+  std::optional<CCardData> AnalyzeCardData(const ICardFrame& UserInfo);
   std::optional<CCardData> AnalyzeCardData(const ICardFrame* UserInfo);
 
  protected:
   explicit CCardFormatInfo(const FormatParameters& parameters);
 
  private:
+  friend class CCard;
+
   virtual vardel::CardDataStruct Encode(const CCardData& card);
-  virtual std::optional<CCardData> Decode(const ICardFrame& frame);
+  /// Decodes into a new card; false gives none.
+  virtual bool Decode(const ICardFrame& frame, CCardData& result);
 
   bool isSmartCard_ = false;
 };

@@ -47,26 +47,25 @@ CCardFormat34Bits::CCardFormat34Bits() : LimitCheckedFormat(kParameters) {}
 bool CCardFormat34Bits::IsRevisionValid(std::string_view /*InData*/) const { return true; }
 
 CardDataStruct CCardFormat34Bits::Encode(const CCardData& card) {
-  const auto facility = steps::AcceptFacility(*this, card);
-  if (!facility) return {};
-  const auto cardID = steps::AcceptCardID(*this, card);
-  if (!cardID) return {};
+  double facility = 0;
+  if (!steps::AcceptFacility(*this, card, facility)) return {};
+  double cardID = 0;
+  if (!steps::AcceptCardID(*this, card, cardID)) return {};
 
-  std::uint64_t value = Spread(steps::LowBytes(NumberToBytesByByte(*cardID), 2), 1) |
-                        Spread(steps::LowBytes(NumberToBytesByByte(*facility), 2), 9);
+  std::uint64_t value =
+      Spread(steps::NumberBytes(cardID, 2), 1) | Spread(steps::NumberBytes(facility, 2), 9);
   value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 16))) |
            steps::Parity(steps::GetBits(value, 17, 16)) << 33;
   // This encoder alone never turns the record around.
   return MakeCardDataStruct(steps::BytesOf(value), false);
 }
 
-std::optional<CCardData> CCardFormat34Bits::Decode(const ICardFrame& frame) {
-  CCardData result;
+bool CCardFormat34Bits::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardType = CARD_HID;
   result.CardSubType = CARD_SUB_HID_34BITS;
   // The raw bytes count here, not their text, and a frame without any is a blank read.
   const RawBytes summary = frame.RawCardBytes();
-  if (!summary || steps::IsBlank(*summary)) return result;
+  if (!summary || steps::IsBlank(*summary)) return true;
 
   const auto raw = steps::RequireRawBytes(frame);
   const ByteArray bytes = IsCardArrayReversed ? ReverseBytes(raw) : ByteArray(raw);
@@ -75,7 +74,7 @@ std::optional<CCardData> CCardFormat34Bits::Decode(const ICardFrame& frame) {
   steps::WorkBytes(OccupiedByteCardId, 4);
   steps::WorkBytes(OccupiedByteFacility, 4);
   steps::PutNumbers(*this, Gather(value, 9), Gather(value, 1), result);
-  return result;
+  return true;
 }
 
 }  // namespace vardel

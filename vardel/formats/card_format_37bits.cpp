@@ -1,6 +1,5 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/format/format_parameters.h>
-#include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
 #include <vardel/formats/steps.h>
 
@@ -33,12 +32,12 @@ constexpr FormatParameters kParameters = {
 CCardFormat37Bits::CCardFormat37Bits() : LimitCheckedFormat(kParameters) {}
 
 CardDataStruct CCardFormat37Bits::Encode(const CCardData& card) {
-  const auto facilityNumber = steps::AcceptFacility(*this, card);
-  if (!facilityNumber) return {};
-  const std::uint64_t facility = steps::LowBytes(NumberToBytes(*facilityNumber), 2);
-  const auto cardNumber = steps::AcceptCardID(*this, card);
-  if (!cardNumber) return {};
-  const std::uint64_t cardID = steps::LowBytes(NumberToBytes(*cardNumber), 3);
+  double facilityNumber = 0;
+  if (!steps::AcceptFacility(*this, card, facilityNumber)) return {};
+  const std::uint64_t facility = steps::NumberBytes(facilityNumber, 2);
+  double cardNumber = 0;
+  if (!steps::AcceptCardID(*this, card, cardNumber)) return {};
+  const std::uint64_t cardID = steps::NumberBytes(cardNumber, 3);
 
   // With limits that a host has raised, the number's upper part can reach beyond bit 39, the last
   // one kept.
@@ -46,11 +45,11 @@ CardDataStruct CCardFormat37Bits::Encode(const CCardData& card) {
       steps::GetBits(cardID, 0, 8) << 1 | facility << 9 | steps::GetBits(cardID, 8, 15) << 25;
   value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 18))) |
            steps::Parity(steps::GetBits(value, 19, 17)) << 36;
-  return steps::MakeRecord(*this, steps::BytesOf(value));
+  return steps::MakeRecord(*this, value);
 }
 
-std::optional<CCardData> CCardFormat37Bits::Decode(const ICardFrame& frame) {
-  CCardData result;  // type and sub-type stay 0
+bool CCardFormat37Bits::Decode(const ICardFrame& frame, CCardData& result) {
+  // Type and sub-type stay 0.
   constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
@@ -59,7 +58,7 @@ std::optional<CCardData> CCardFormat37Bits::Decode(const ICardFrame& frame) {
     steps::PutNumbers(*this, static_cast<double>(steps::GetBits(value, 9, 16)),
                       static_cast<double>(cardID), result);
   }
-  return result;
+  return true;
 }
 
 }  // namespace vardel

@@ -39,15 +39,15 @@ bool CCardFormatBinary26::IsFacilityValid(std::string_view /*InData*/) const { r
 bool CCardFormatBinary26::IsCardIDValid(std::string_view /*InData*/) const { return true; }
 
 CardDataStruct CCardFormatBinary26::Encode(const CCardData& card) {
-  const auto cardID = steps::AcceptCardID(*this, card);
-  if (!cardID) return {};
-  steps::CheckConversion(*cardID);
+  double cardID = 0;
+  if (!steps::AcceptCardID(*this, card, cardID)) return {};
+  steps::CheckConversion(cardID);
   // Cards are only ever read in this format. Hosts know that an accepted number ends so.
   throw HostFault(Fault::OutOfRange);
 }
 
-std::optional<CCardData> CCardFormatBinary26::Decode(const ICardFrame& frame) {
-  CCardData result;  // type and sub-type stay 0
+bool CCardFormatBinary26::Decode(const ICardFrame& frame, CCardData& result) {
+  // Type and sub-type stay 0.
   constexpr steps::Rereads kRereads = {.always = 0, .whenReversed = 1};
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
@@ -55,7 +55,7 @@ std::optional<CCardData> CCardFormatBinary26::Decode(const ICardFrame& frame) {
     const auto number = ParseNumber(ByteArrayToNumberText(*bytes));
     steps::PutNumbers(*this, std::nullopt, number, result);
   }
-  return result;
+  return true;
 }
 
 }  // namespace vardel

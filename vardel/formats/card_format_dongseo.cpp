@@ -81,24 +81,23 @@ CardDataStruct CCardFormatDongSeo::Encode(const CCardData& card) {
   return MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
 }
 
-std::optional<CCardData> CCardFormatDongSeo::Decode(const ICardFrame& frame) {
+bool CCardFormatDongSeo::Decode(const ICardFrame& frame, CCardData& result) {
   using characters::Zero;
-  CCardData result;
   result.CardType = CARD_MIFARE;
   result.CardSubType = CARD_SUB_MI_DONGSEO;
   // The raw bytes count here, not their text. Nine bytes pass this test and end in fault 9 below.
   const auto raw = steps::RequireRawBytes(frame);
   if (raw.size() < 9) {
     steps::MakeTooSmall(result);
-    return result;
+    return true;
   }
   const ByteArray bytes = IsCardArrayReversed ? ReverseBytes(raw) : ByteArray(raw);
-  if (steps::IsBlank(bytes)) return result;
+  if (steps::IsBlank(bytes)) return true;
   result.CardID = characters::Take(bytes, Backwards(0, OccupiedByteCardId), Zero::IsZero);
   result.Revision = characters::Take(
       bytes, Backwards(OccupiedByteFacility + OccupiedByteCardId, OccupiedByteRevision),
       Zero::IsBlank);
-  return result;
+  return true;
 }
 
 }  // namespace vardel

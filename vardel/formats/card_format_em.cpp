@@ -27,17 +27,16 @@ constexpr FormatParameters kParameters = {
 CCardFormatEM::CCardFormatEM() : LimitCheckedFormat(kParameters) {}
 
 CardDataStruct CCardFormatEM::Encode(const CCardData& card) {
-  const auto facility = steps::AcceptFacility(*this, card);
-  if (!facility) return {};
-  steps::CheckConversion(*facility);
-  const auto cardID = steps::AcceptCardID(*this, card);
-  if (!cardID) return {};
-  steps::CheckConversion(*cardID);
-  return layout_26bit::Encode(*this, *facility, *cardID);
+  double facility = 0;
+  if (!steps::AcceptFacility(*this, card, facility)) return {};
+  steps::CheckConversion(facility);
+  double cardID = 0;
+  if (!steps::AcceptCardID(*this, card, cardID)) return {};
+  steps::CheckConversion(cardID);
+  return layout_26bit::Encode(*this, facility, cardID);
 }
 
-std::optional<CCardData> CCardFormatEM::Decode(const ICardFrame& frame) {
-  CCardData result;
+bool CCardFormatEM::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardType = CARD_EM;
   result.CardSubType = CARD_SUB_EM_STD_26BITS;
   constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
@@ -45,7 +44,7 @@ std::optional<CCardData> CCardFormatEM::Decode(const ICardFrame& frame) {
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
     layout_26bit::PutFields(*this, *bytes, result);
   }
-  return result;
+  return true;
 }
 
 }  // namespace vardel

@@ -1,10 +1,7 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/format/format_parameters.h>
-#include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
 #include <vardel/formats/steps.h>
-
-#include <cmath>
 
 namespace vardel {
 namespace {
@@ -43,26 +40,27 @@ constexpr FormatParameters kParameters = {
 CCardFormatHIDCorp1000::CCardFormatHIDCorp1000() : LimitCheckedFormat(kParameters) {}
 
 CardDataStruct CCardFormatHIDCorp1000::Encode(const CCardData& card) {
-  const auto facility = steps::AcceptFacility(*this, card);
-  if (!facility) return {};
-  steps::CheckConversion(*facility);
-  const auto cardID = steps::AcceptCardID(*this, card);
-  if (!cardID) return {};
-  steps::CheckConversion(*cardID);
+  double facility = 0;
+  if (!steps::AcceptFacility(*this, card, facility)) return {};
+  steps::CheckConversion(facility);
+  double cardID = 0;
+  if (!steps::AcceptCardID(*this, card, cardID)) return {};
+  steps::CheckConversion(cardID);
 
   // A facility code above 4095 spills into bits 33 to 36; the parity bits are OR-ed to that. So is
   // B to what a fraction leaves in bit 0, and C counts both.
-  const double sum = std::exp2(21) * *facility + (*cardID + *cardID);
-  std::uint64_t value = steps::LowBytes(NumberToBytes(sum), 5);
+  constexpr double kFacilityWeight = 1 << 21;
+  const double sum = kFacilityWeight * facility + (cardID + cardID);
+  std::uint64_t value = steps::NumberBytes(sum, 5);
   value |= steps::Parity(value & kCoveredByA) << 33;
   const std::uint64_t b = 1 ^ steps::Parity(value & kCoveredByB);
   const std::uint64_t c = 1 ^ steps::Parity(value & kCoveredByC) ^ b;
   value |= b | c << 34;
-  return steps::MakeRecord(*this, steps::BytesOf(value));
+  return steps::MakeRecord(*this, value);
 }
 
-std::optional<CCardData> CCardFormatHIDCorp1000::Decode(const ICardFrame& frame) {
-  CCardData result;  // type and sub-type stay 0
+bool CCardFormatHIDCorp1000::Decode(const ICardFrame& frame, CCardData& result) {
+  // Type and sub-type stay 0.
   constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
@@ -70,7 +68,7 @@ std::optional<CCardData> CCardFormatHIDCorp1000::Decode(const ICardFrame& frame)
     steps::PutNumbers(*this, static_cast<double>(steps::GetBits(value, 21, 12)),
                       static_cast<double>(steps::GetBits(value, 1, 20)), result);
   }
-  return result;
+  return true;
 }
 
 }  // namespace vardel

@@ -27,22 +27,21 @@ constexpr FormatParameters kParameters = {
 CCardFormatHIDStandard::CCardFormatHIDStandard() : LimitCheckedFormat(kParameters) {}
 
 CardDataStruct CCardFormatHIDStandard::Encode(const CCardData& card) {
-  const auto facility = steps::AcceptFacility(*this, card);
-  if (!facility) return {};
-  const auto cardID = steps::AcceptCardID(*this, card);
-  if (!cardID) return {};
-  return layout_26bit::Encode(*this, *facility, *cardID);
+  double facility = 0;
+  if (!steps::AcceptFacility(*this, card, facility)) return {};
+  double cardID = 0;
+  if (!steps::AcceptCardID(*this, card, cardID)) return {};
+  return layout_26bit::Encode(*this, facility, cardID);
 }
 
-std::optional<CCardData> CCardFormatHIDStandard::Decode(const ICardFrame& frame) {
-  CCardData result;
+bool CCardFormatHIDStandard::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardType = CARD_HID;  // the sub-type stays 0
   constexpr steps::Rereads kRereads = {.always = 0, .whenReversed = 1};
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
     layout_26bit::PutFields(*this, *bytes, result);
   }
-  return result;
+  return true;
 }
 
 }  // namespace vardel

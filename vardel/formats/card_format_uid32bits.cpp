@@ -53,8 +53,7 @@ CardDataStruct CCardFormatUID32BIts::Encode(const CCardData& card) {
   return MakeCardDataStruct(std::span(bytes).first(kUidBytes), IsCardArrayReversed);
 }
 
-std::optional<CCardData> CCardFormatUID32BIts::Decode(const ICardFrame& frame) {
-  CCardData result;
+bool CCardFormatUID32BIts::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardType = CARD_MIFARE;
   result.CardSubType = CARD_SUB_MI_UID_32BITS;
   constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 0};
@@ -62,7 +61,7 @@ std::optional<CCardData> CCardFormatUID32BIts::Decode(const ICardFrame& frame) {
           steps::ReadBytes(*this, frame, steps::kMinSmartCardBytes, kRereads, result)) {
     result.CardID = NumberText(static_cast<double>(steps::LowBytes(*bytes, kUidBytes)));
   }
-  return result;
+  return true;
 }
 
 }  // namespace vardel

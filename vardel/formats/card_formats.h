@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string_view>
 
@@ -48,7 +47,7 @@ class TextFormat : public CCardFormatInfo, public RevisionValidator {
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 
   const TextLayout& layout_;
 };
@@ -60,7 +59,7 @@ class CCardFormatEM final : public LimitCheckedFormat {
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// HID standard 26-bit: facility code 1..255, card number 1..65535. Decoded cards carry type 2 and
@@ -71,7 +70,7 @@ class CCardFormatHIDStandard final : public LimitCheckedFormat {
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// HID full binary 26-bit: the whole value is the card number (1..67108863). It only decodes: every
@@ -85,7 +84,7 @@ class CCardFormatBinary26 final : public CCardFormatInfo {
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// HID 37-bit: facility code 1..65535, card number 1..524287. Decoded cards carry type 0.
@@ -95,7 +94,7 @@ class CCardFormat37Bits final : public LimitCheckedFormat {
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// HID Corporate 1000, 35-bit: facility code 1..65535, of which a card keeps the low 12 bits; card
@@ -109,7 +108,7 @@ class CCardFormatHIDCorp1000 final : public LimitCheckedFormat {
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// HID 34-bit: facility code 1..65535, card number 1..65535. It decodes the raw bytes, not their
@@ -122,7 +121,7 @@ class CCardFormat34Bits final : public LimitCheckedFormat, public RevisionValida
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// Mifare 32-bit UID: the card number is the UID; there is no facility code and no revision. An
@@ -139,7 +138,7 @@ class CCardFormatUID32BIts final : public CCardFormatInfo, public RevisionValida
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// DongSeo hospital: 8 characters card number, 2 revision, both stored backwards. An encode clears
@@ -158,7 +157,7 @@ class CCardFormatDongSeo final : public CCardFormatInfo, public RevisionValidato
 
  private:
   vardel::CardDataStruct Encode(const CCardData& card) override;
-  std::optional<CCardData> Decode(const ICardFrame& frame) override;
+  bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
 /// LG smart card: 6 characters facility code, 8 card number, 2 revision, filled with "0" on the

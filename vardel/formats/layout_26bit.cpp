@@ -1,8 +1,6 @@
-#include <vardel/format/mod_card.h>
 #include <vardel/formats/layout_26bit.h>
 #include <vardel/formats/steps.h>
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -10,12 +8,13 @@
 namespace vardel::layout_26bit {
 
 CardDataStruct Encode(CCardFormatInfo& format, double facility, double cardID) {
-  const double sum = std::exp2(17) * facility + (cardID + cardID);
-  std::uint64_t value = steps::LowBytes(NumberToBytes(sum), 4);
+  constexpr double kFacilityWeight = 1 << 17;
+  const double sum = kFacilityWeight * facility + (cardID + cardID);
+  std::uint64_t value = steps::NumberBytes(sum, 4);
   const std::uint64_t odd = 1 ^ steps::Parity(steps::GetBits(value, 0, 13));
   const std::uint64_t even = steps::Parity(steps::GetBits(value, 13, 12));
   value |= odd | even << 25;
-  return steps::MakeRecord(format, steps::BytesOf(value));
+  return steps::MakeRecord(format, value);
 }
 
 void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData& result) {
@@ -33,10 +32,11 @@ void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData&
   // cleared, below them.
   const int shared = cardBytes - 1;
   const std::uint64_t cardID = shared < 4 ? steps::GetBits(value, 0, 8 * shared + 1) : value;
-  auto facility = static_cast<double>(byteAt(shared) & 0xFE);
+  double facility = static_cast<double>(byteAt(shared) & 0xFE);
   if (facilityBytes > 1) {
-    const std::uint64_t top = byteAt(shared + facilityBytes - 1) & 1;
-    facility += static_cast<double>(top) * std::exp2(8 * (facilityBytes - 1));
+    double weight = 1;
+    for (int i = 1; i < facilityBytes; ++i) weight *= 256;
+    facility += static_cast<double>(byteAt(shared + facilityBytes - 1) & 1) * weight;
   }
   steps::PutNumbers(format, facility / 2, static_cast<double>(cardID) / 2, result);
 }

@@ -7,18 +7,24 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
+#include <cstring>
 #include <string>
 
 namespace vardel::steps {
 namespace {
 
-std::optional<double> Accept(CCardFormatInfo& format, std::string_view text, double min, double max,
-                             std::string_view message) {
-  const std::optional<double> value = ParseNumber(text);
-  if (value && !(*value < min) && !(*value > max)) return value;
+bool Accept(CCardFormatInfo& format, std::string_view text, double min, double max,
+            std::string_view message, double& value) {
+  bool isNumber = ParseDigits(text, value);
+  if (!isNumber) {
+    if (const auto number = ParseNumber(text)) {
+      value = *number;
+      isNumber = true;
+    }
+  }
+  if (isNumber && !(value < min) && !(value > max)) return true;
   Reject(format, message);
-  return std::nullopt;
+  return false;
 }
 
 std::string FieldText(std::optional<double> value, std::int16_t charCount) {
@@ -28,10 +34,6 @@ std::string FieldText(std::optional<double> value, std::int16_t charCount) {
 }
 
 }  // namespace
-
-std::uint64_t Parity(std::uint64_t bits) {
-  return static_cast<std::uint64_t>(std::popcount(bits)) & 1;
-}
 
 std::uint64_t LittleEndian(std::span<const std::uint8_t> bytes) {
   std::uint64_t value = 0;
@@ -43,27 +45,19 @@ std::uint64_t LowBytes(const ByteArray& bytes, std::size_t count) {
   return LittleEndian(std::span(bytes).first(std::min(bytes.size(), count)));
 }
 
-std::array<std::uint8_t, 8> BytesOf(std::uint64_t value) {
-  std::array<std::uint8_t, 8> bytes;
-  for (std::uint8_t& byte : bytes) {
-    byte = static_cast<std::uint8_t>(value);
-    value >>= 8;
-  }
-  return bytes;
-}
-
 CardDataStruct Reject(CCardFormatInfo& format, std::string_view message) {
   format.MakeErr(kContentError, message);
   return {};
 }
 
-std::optional<double> AcceptFacility(CCardFormatInfo& format, const CCardData& card) {
+bool AcceptFacility(CCardFormatInfo& format, const CCardData& card, double& value) {
   return Accept(format, card.Facility, format.MinFacility, format.MaxFacility,
-                message::kIncorrectFacilityCode);
+                message::kIncorrectFacilityCode, value);
 }
 
-std::optional<double> AcceptCardID(CCardFormatInfo& format, const CCardData& card) {
-  return Accept(format, card.CardID, format.MinCardID, format.MaxCardID, message::kIncorrectCardID);
+bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, double& value) {
+  return Accept(format, card.CardID, format.MinCardID, format.MaxCardID, message::kIncorrectCardID,
+                value);
 }
 
 bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, int subType) {
@@ -81,6 +75,12 @@ CardDataStruct MakeRecord(CCardFormatInfo& format, std::span<const std::uint8_t>
   if (bytes.size() > wide.size() + 1) return Reject(format, message::kExceedLimit);
   std::ranges::copy(bytes.first(std::min(bytes.size(), wide.size())), wide.begin());
   return MakeCardDataStruct(wide, format.IsCardArrayReversed);
+}
+
+CardDataStruct MakeRecord(const CCardFormatInfo& format, std::uint64_t value) {
+  CardDataStruct record;
+  std::ranges::copy(BytesOf(value), record.Bytes.begin());
+  return format.IsCardArrayReversed ? MakeCardDataStruct(record.Bytes, true) : record;
 }
 
 std::optional<ByteArray> ReadBytes(const CCardFormatInfo& format, const ICardFrame& frame,
@@ -109,13 +109,11 @@ void MakeTooSmall(CCardData& result) {
 }
 
 bool IsBlank(std::span<const std::uint8_t> bytes) {
-  std::uint8_t all = 0xFF;
-  std::uint8_t any = 0;
-  for (const std::uint8_t byte : bytes) {
-    all &= byte;
-    any |= byte;
-  }
-  return any == 0 || all == 0xFF;
+  // All bytes are alike, and like the first.
+  if (bytes.empty()) return true;
+  const std::uint8_t first = bytes.front();
+  return (first == 0 || first == 0xFF) &&
+         std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
 }
 
 int WorkBytes(std::int16_t count, int needed) {

@@ -5,9 +5,12 @@
 #include <vardel/core/card_data_struct.h>
 #include <vardel/core/enumerations.h>
 #include <vardel/core/frame.h>
+#include <vardel/core/number.h>
 #include <vardel/format/card_format_info.h>
+#include <vardel/format/mod_card.h>
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -24,26 +27,52 @@ constexpr std::uint64_t GetBits(std::uint64_t value, int position, int width) {
 }
 
 /// 1 when an odd number of the bits is set, 0 when an even number is.
-std::uint64_t Parity(std::uint64_t bits);
+constexpr std::uint64_t Parity(std::uint64_t bits) {
+  // Folding needs no population count, which is a call where the processor's own may not be used.
+  bits ^= bits >> 32;
+  bits ^= bits >> 16;
+  bits ^= bits >> 8;
+  bits ^= bits >> 4;
+  constexpr std::uint64_t kOddNibbles = 0x6996;
+  return kOddNibbles >> (bits & 0xF) & 1;
+}
 
 /// The first bytes (at most 8) as a number, byte 0 least significant.
 std::uint64_t LittleEndian(std::span<const std::uint8_t> bytes);
 
-/// A number's bytes, cut or widened to `count` (at most 8) of them, as the number they then are.
+/// The first `count` bytes (at most 8) of an array that may be shorter, as a number.
 std::uint64_t LowBytes(const ByteArray& bytes, std::size_t count);
 
+/// The lowest `count` bytes (at most 7) that NumberToBytes gives for a number. Whole numbers, which
+/// nearly all are, take a short way to the same bytes.
+inline std::uint64_t NumberBytes(double number, std::size_t count) {
+  if (const auto whole = WholeNumber(number))
+    return GetBits(*whole, 0, static_cast<int>(8 * count));
+  return LowBytes(NumberToBytes(number), count);
+}
+
 /// The bytes of a card value, byte 0 least significant.
-std::array<std::uint8_t, 8> BytesOf(std::uint64_t value);
+inline std::array<std::uint8_t, 8> BytesOf(std::uint64_t value) {
+  if constexpr (std::endian::native == std::endian::little) {
+    return std::bit_cast<std::array<std::uint8_t, 8>>(value);
+  }
+  std::array<std::uint8_t, 8> bytes;
+  for (std::uint8_t& byte : bytes) {
+    byte = static_cast<std::uint8_t>(value);
+    value >>= 8;
+  }
+  return bytes;
+}
 
 // --- encode ---
 
 /// Records a content error on the format and gives the all-zero record that goes with it.
 CardDataStruct Reject(CCardFormatInfo& format, std::string_view message);
 
-/// The card's facility code or card number, when it is numeric and within the format's limits;
-/// otherwise the error is recorded on the format.
-std::optional<double> AcceptFacility(CCardFormatInfo& format, const CCardData& card);
-std::optional<double> AcceptCardID(CCardFormatInfo& format, const CCardData& card);
+/// Whether the card's facility code, or card number, is numeric and within the format's limits;
+/// then `value` is set. Otherwise the error is recorded on the format.
+bool AcceptFacility(CCardFormatInfo& format, const CCardData& card, double& value);
+bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, double& value);
 
 /// Whether the card is of the format's own type pair; otherwise the error is recorded on the
 /// format.
@@ -55,6 +84,8 @@ void CheckConversion(double number);
 /// Closes an encode: the bytes, widened to a full record and turned around when
 /// `IsCardArrayReversed` says so. More bytes than a record can index are rejected.
 CardDataStruct MakeRecord(CCardFormatInfo& format, std::span<const std::uint8_t> bytes);
+/// The same for a card value of up to 8 bytes.
+CardDataStruct MakeRecord(const CCardFormatInfo& format, std::uint64_t value);
 
 // --- decode ---
 

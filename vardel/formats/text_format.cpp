@@ -51,9 +51,9 @@ CardDataStruct TextFormat::Encode(const CCardData& card) {
   return MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
 }
 
-std::optional<CCardData> TextFormat::Decode(const ICardFrame& frame) {
+bool TextFormat::Decode(const ICardFrame& frame, CCardData& result) {
   using characters::Zero;
-  CCardData result;  // type and sub-type stay 0
+  // Type and sub-type stay 0.
   constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 0};
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinSmartCardBytes, kRereads, result)) {
@@ -61,7 +61,7 @@ std::optional<CCardData> TextFormat::Decode(const ICardFrame& frame) {
     result.CardID = characters::Take(*bytes, layout_.cardID, Zero::IsBlank);
     result.Revision = characters::Take(*bytes, layout_.revision, Zero::IsBlank);
   }
-  return result;
+  return true;
 }
 
 }  // namespace vardel

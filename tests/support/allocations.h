@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstddef>
+
+namespace vardel {
+
+/// How often this program has asked for heap memory so far. Its operator new is replaced to count.
+std::size_t AllocationCount();
+
+}  // namespace vardel
