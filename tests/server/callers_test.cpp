@@ -185,7 +185,9 @@ TEST_F(Callers, GetAStatusForWrongLateBoundCalls) {
   const auto call = [&](const wchar_t* name, WORD flags,
                         std::initializer_list<VARIANT*> arguments) {
     Variant result;
-    return Call(card.get(), name, flags, arguments, &result).status;
+    const Outcome outcome = Call(card.get(), name, flags, arguments, &result);
+    EXPECT_TRUE(outcome.fault == 0 || Utf8(outcome.source) == "Vardel.CCard");
+    return outcome.fault == 0 ? outcome.status : Fault(static_cast<int>(outcome.fault));
   };
   Variant one, text, object, null, nowhere, missing;
   one.vt = VT_I4;
@@ -203,23 +205,21 @@ TEST_F(Callers, GetAStatusForWrongLateBoundCalls) {
   EXPECT_EQ(call(L"NoSuchMember", kMethod, {}), DISP_E_UNKNOWNNAME);
   EXPECT_EQ(call(L"cardformat", kMethod, {&one}), DISP_E_BADPARAMCOUNT);
   EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &one, &one}), DISP_E_BADPARAMCOUNT);
-  EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &text}), DISP_E_TYPEMISMATCH);
-  EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &object}), DISP_E_TYPEMISMATCH);
-  EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &nowhere}), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &text}), Fault(13));
+  EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &object}), Fault(13));
+  EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &nowhere}), Fault(13));
   EXPECT_EQ(call(L"CardFormat", kMethod, {&one, &missing}), DISP_E_PARAMNOTOPTIONAL);
   EXPECT_EQ(call(L"CardTypeCount", DISPATCH_PROPERTYPUT, {&one}), DISP_E_MEMBERNOTFOUND);
-  EXPECT_EQ(call(L"MakeCardData", kMethod, {&object}), DISP_E_TYPEMISMATCH);
-  EXPECT_EQ(call(L"MakeCardData", kMethod, {&one}), DISP_E_TYPEMISMATCH);
-  EXPECT_EQ(call(L"MakeCardData", kMethod, {&null}), DISP_E_EXCEPTION);
+  EXPECT_EQ(call(L"MakeCardData", kMethod, {&object}), Fault(13));
+  EXPECT_EQ(call(L"MakeCardData", kMethod, {&one}), Fault(13));
+  EXPECT_EQ(call(L"MakeCardData", kMethod, {&null}), Fault(91));
 
   const auto raw = Create<::_CCardByteData>(CLSID_CCardByteData);
   Variant big;
   big.vt = VT_I4;
   big.lVal = 256;
-  EXPECT_EQ(Call(raw.get(), L"CardSubType", DISPATCH_PROPERTYPUT, {&big}, nullptr).status,
-            DISP_E_OVERFLOW);
-  EXPECT_EQ(Call(raw.get(), L"CardDataStruct", DISPATCH_PROPERTYPUT, {&big}, nullptr).status,
-            DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(Call(raw.get(), L"CardSubType", DISPATCH_PROPERTYPUT, {&big}, nullptr).fault, 6);
+  EXPECT_EQ(Call(raw.get(), L"CardDataStruct", DISPATCH_PROPERTYPUT, {&big}, nullptr).fault, 13);
   EXPECT_EQ(Call(raw.get(), L"InitCardData", DISPATCH_METHOD, {}, nullptr).status, S_OK);
   EXPECT_EQ(Call(raw.get(), L"InitCardData", DISPATCH_METHOD, {&missing}, nullptr).status, S_OK);
 

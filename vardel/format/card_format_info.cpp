@@ -10,8 +10,8 @@
 namespace vardel {
 namespace {
 
-double MaxOf(const std::optional<double>& fixed, std::int16_t bitCount) {
-  return fixed.value_or(std::exp2(bitCount) - 1);
+double MaxOf(const FieldParameters& field) {
+  return field.Max == kAllBits ? std::exp2(field.Bits) - 1 : field.Max;
 }
 
 std::int16_t MaskLength(const std::string& mask) {
@@ -38,33 +38,33 @@ CCardFormatInfo::CCardFormatInfo(const FormatParameters& parameters)
   // cppcheck-suppress useInitializationList
   DefaultChar = parameters.DefaultChar;
   DefaultByte = parameters.DefaultByte;
-  BitCountFacility = parameters.BitCount.Facility;
-  BitCountCardID = parameters.BitCount.CardID;
-  BitCountRevision = parameters.BitCount.Revision;
-  OccupiedByteCardId = parameters.OccupiedByte.CardID;
-  OccupiedByteFacility = parameters.OccupiedByte.Facility;
-  OccupiedByteRevision = parameters.OccupiedByte.Revision;
+  BitCountFacility = parameters.Facility.Bits;
+  BitCountCardID = parameters.CardID.Bits;
+  BitCountRevision = parameters.Revision.Bits;
+  OccupiedByteCardId = parameters.CardID.Bytes;
+  OccupiedByteFacility = parameters.Facility.Bytes;
+  OccupiedByteRevision = parameters.Revision.Bytes;
   BitCountTotal = parameters.BitCountTotal;
   ByteCountTotal = parameters.ByteCountTotal;
-  MinFacility = parameters.Min.Facility;
-  MinCardID = parameters.Min.CardID;
-  MinRevision = parameters.Min.Revision;
-  MaxFacility = MaxOf(parameters.Max.Facility, BitCountFacility);
-  MaxCardID = MaxOf(parameters.Max.CardID, BitCountCardID);
-  MaxRevision = parameters.Max.Revision;
-  MaskFacility = parameters.Mask.Facility;
-  MaskCardID = parameters.Mask.CardID;
-  MaskRevision = parameters.Mask.Revision;
+  MinFacility = parameters.Facility.Min;
+  MinCardID = parameters.CardID.Min;
+  MinRevision = static_cast<std::int16_t>(parameters.Revision.Min);
+  MaxFacility = MaxOf(parameters.Facility);
+  MaxCardID = MaxOf(parameters.CardID);
+  MaxRevision = static_cast<std::int16_t>(parameters.Revision.Max);
+  MaskFacility = parameters.Facility.Mask;
+  MaskCardID = parameters.CardID.Mask;
+  MaskRevision = parameters.Revision.Mask;
   CharCountFacility = MaskLength(MaskFacility);
   CharCountCardID = MaskLength(MaskCardID);
   CharCountRevision = MaskLength(MaskRevision);
   CharCountTotal = AddCounts(AddCounts(CharCountRevision, CharCountCardID), CharCountFacility);
-  SidxFacility = parameters.Index.Facility.first;
-  SidxCardID = parameters.Index.CardID.first;
-  SidxRevision = parameters.Index.Revision.first;
-  EidxFacility = parameters.Index.Facility.last;
-  EidxCardID = parameters.Index.CardID.last;
-  EidxRevision = parameters.Index.Revision.last;
+  SidxFacility = parameters.Facility.Index.first;
+  SidxCardID = parameters.CardID.Index.first;
+  SidxRevision = parameters.Revision.Index.first;
+  EidxFacility = parameters.Facility.Index.last;
+  EidxCardID = parameters.CardID.Index.last;
+  EidxRevision = parameters.Revision.Index.last;
 }
 
 bool CCardFormatInfo::IsFacilityValid(std::string_view /*InData*/) const { return false; }

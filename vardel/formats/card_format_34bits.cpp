@@ -21,14 +21,12 @@ constexpr FormatParameters kParameters = {
     .CardSubType = CARD_SUB_HID_34BITS,
     .DefaultCardName = "HID 34Bits",
     .DefaultByte = 72,
-    .BitCount = {.Facility = 16, .CardID = 16, .Revision = 0},
-    .OccupiedByte = {.Facility = 4, .CardID = 4, .Revision = 0},
     .BitCountTotal = 34,
     .ByteCountTotal = kValueBytes,
-    .Min = {.Facility = 1, .CardID = 1, .Revision = -1},
-    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = 0},
-    .Mask = {.Facility = "99999", .CardID = "99999", .Revision = ""},
-    .Index = {.Facility = {1, 3}, .CardID = {0, 4}, .Revision = kNoBytes},
+    .Facility =
+        {.Bits = 16, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {1, 3}},
+    .CardID = {.Bits = 16, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {0, 4}},
+    .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = 0, .Mask = "", .Index = kNoBytes},
 };
 
 /// A field's two bytes, the low one at bit `position`, the high one 16 bits above.
@@ -47,13 +45,11 @@ CCardFormat34Bits::CCardFormat34Bits() : LimitCheckedFormat(kParameters) {}
 bool CCardFormat34Bits::IsRevisionValid(std::string_view /*InData*/) const { return true; }
 
 CardDataStruct CCardFormat34Bits::Encode(const CCardData& card) {
-  double facility = 0;
-  if (!steps::AcceptFacility(*this, card, facility)) return {};
-  double cardID = 0;
-  if (!steps::AcceptCardID(*this, card, cardID)) return {};
+  steps::Fields fields;
+  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return {};
 
-  std::uint64_t value =
-      Spread(steps::NumberBytes(cardID, 2), 1) | Spread(steps::NumberBytes(facility, 2), 9);
+  std::uint64_t value = Spread(steps::NumberBytes(fields.cardID, 2), 1) |
+                        Spread(steps::NumberBytes(fields.facility, 2), 9);
   value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 16))) |
            steps::Parity(steps::GetBits(value, 17, 16)) << 33;
   // This encoder alone never turns the record around.

@@ -17,14 +17,13 @@ constexpr FormatParameters kParameters = {
     .CardSubType = CARD_SUB_HID_37BITS,
     .DefaultCardName = "Keico",
     .DefaultByte = 72,
-    .BitCount = {.Facility = 16, .CardID = 19, .Revision = 0},
-    .OccupiedByte = {.Facility = 3, .CardID = 4, .Revision = 0},
     .BitCountTotal = 37,
     .ByteCountTotal = 5,
-    .Min = {.Facility = 1, .CardID = 1, .Revision = -1},
-    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = 0},
-    .Mask = {.Facility = "99999", .CardID = "999999", .Revision = ""},
-    .Index = {.Facility = {1, 3}, .CardID = {0, 4}, .Revision = kNoBytes},
+    .Facility =
+        {.Bits = 16, .Bytes = 3, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {1, 3}},
+    .CardID =
+        {.Bits = 19, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "999999", .Index = {0, 4}},
+    .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = 0, .Mask = "", .Index = kNoBytes},
 };
 
 }  // namespace
@@ -32,12 +31,10 @@ constexpr FormatParameters kParameters = {
 CCardFormat37Bits::CCardFormat37Bits() : LimitCheckedFormat(kParameters) {}
 
 CardDataStruct CCardFormat37Bits::Encode(const CCardData& card) {
-  double facilityNumber = 0;
-  if (!steps::AcceptFacility(*this, card, facilityNumber)) return {};
-  const std::uint64_t facility = steps::NumberBytes(facilityNumber, 2);
-  double cardNumber = 0;
-  if (!steps::AcceptCardID(*this, card, cardNumber)) return {};
-  const std::uint64_t cardID = steps::NumberBytes(cardNumber, 3);
+  steps::Fields fields;
+  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return {};
+  const std::uint64_t facility = steps::NumberBytes(fields.facility, 2);
+  const std::uint64_t cardID = steps::NumberBytes(fields.cardID, 3);
 
   // With limits that a host has raised, the number's upper part can reach beyond bit 39, the last
   // one kept.

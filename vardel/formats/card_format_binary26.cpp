@@ -20,14 +20,16 @@ constexpr FormatParameters kParameters = {
     .CardSubType = CARD_SUB_HID_FULL_BIN,
     .DefaultCardName = "Binary 26Bits",
     .DefaultByte = 72,
-    .BitCount = {.Facility = 0, .CardID = 26, .Revision = 0},
-    .OccupiedByte = {.Facility = 0, .CardID = 5, .Revision = 0},
     .BitCountTotal = 26,
     .ByteCountTotal = 5,
-    .Min = {.Facility = 0, .CardID = 1, .Revision = -1},
-    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = 0},
-    .Mask = {.Facility = "", .CardID = "999999999999999", .Revision = ""},
-    .Index = {.Facility = kNoBytes, .CardID = {0, 4}, .Revision = kNoBytes},
+    .Facility = {.Bits = 0, .Bytes = 0, .Min = 0, .Max = kAllBits, .Mask = "", .Index = kNoBytes},
+    .CardID = {.Bits = 26,
+               .Bytes = 5,
+               .Min = 1,
+               .Max = kAllBits,
+               .Mask = "999999999999999",
+               .Index = {0, 4}},
+    .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = 0, .Mask = "", .Index = kNoBytes},
 };
 
 }  // namespace

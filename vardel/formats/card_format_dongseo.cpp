@@ -24,14 +24,16 @@ constexpr FormatParameters kParameters = {
     .CardSubType = CARD_SUB_MI_DONGSEO,
     .DefaultCardName = "KyungHee Univ. DongSeo Hospital",
     .DefaultByte = 0,
-    .BitCount = {.Facility = 0, .CardID = 64, .Revision = 16},
-    .OccupiedByte = {.Facility = 0, .CardID = 8, .Revision = 2},
     .BitCountTotal = 64,
     .ByteCountTotal = 8,
-    .Min = {.Facility = 0, .CardID = 1, .Revision = 1},
-    .Max = {.Facility = 0, .CardID = 1e16, .Revision = 9999},
-    .Mask = {.Facility = "9999", .CardID = "CCCCCCCCCCCCCCCC", .Revision = ""},
-    .Index = {.Facility = {0, 0}, .CardID = {0, 3}, .Revision = {0, 0}},
+    .Facility = {.Bits = 0, .Bytes = 0, .Min = 0, .Max = 0, .Mask = "9999", .Index = {0, 0}},
+    .CardID = {.Bits = 64,
+               .Bytes = 8,
+               .Min = 1,
+               .Max = 1e16,
+               .Mask = "CCCCCCCCCCCCCCCC",
+               .Index = {0, 3}},
+    .Revision = {.Bits = 16, .Bytes = 2, .Min = 1, .Max = 9999, .Mask = "", .Index = {0, 0}},
 };
 
 /// A field of `count` bytes from `start` on, its last character first.

@@ -25,14 +25,13 @@ constexpr FormatParameters kParameters = {
     .CardSubType = CARD_SUB_HID_CORPORATES1000,
     .DefaultCardName = "HID Corporate 1000",
     .DefaultByte = 72,
-    .BitCount = {.Facility = 16, .CardID = 19, .Revision = 0},
-    .OccupiedByte = {.Facility = 3, .CardID = 4, .Revision = 0},
     .BitCountTotal = 37,
     .ByteCountTotal = 5,
-    .Min = {.Facility = 1, .CardID = 1, .Revision = -1},
-    .Max = {.Facility = kAllBits, .CardID = kAllBits, .Revision = -1},
-    .Mask = {.Facility = "99999", .CardID = "999999", .Revision = ""},
-    .Index = {.Facility = {1, 3}, .CardID = {0, 1}, .Revision = kNoBytes},
+    .Facility =
+        {.Bits = 16, .Bytes = 3, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {1, 3}},
+    .CardID =
+        {.Bits = 19, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "999999", .Index = {0, 1}},
+    .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = -1, .Mask = "", .Index = kNoBytes},
 };
 
 }  // namespace
@@ -40,17 +39,13 @@ constexpr FormatParameters kParameters = {
 CCardFormatHIDCorp1000::CCardFormatHIDCorp1000() : LimitCheckedFormat(kParameters) {}
 
 CardDataStruct CCardFormatHIDCorp1000::Encode(const CCardData& card) {
-  double facility = 0;
-  if (!steps::AcceptFacility(*this, card, facility)) return {};
-  steps::CheckConversion(facility);
-  double cardID = 0;
-  if (!steps::AcceptCardID(*this, card, cardID)) return {};
-  steps::CheckConversion(cardID);
+  steps::Fields fields;
+  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return {};
 
   // A facility code above 4095 spills into bits 33 to 36; the parity bits are OR-ed to that. So is
   // B to what a fraction leaves in bit 0, and C counts both.
   constexpr double kFacilityWeight = 1 << 21;
-  const double sum = kFacilityWeight * facility + (cardID + cardID);
+  const double sum = kFacilityWeight * fields.facility + (fields.cardID + fields.cardID);
   std::uint64_t value = steps::NumberBytes(sum, 5);
   value |= steps::Parity(value & kCoveredByA) << 33;
   const std::uint64_t b = 1 ^ steps::Parity(value & kCoveredByB);

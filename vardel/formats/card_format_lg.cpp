@@ -26,14 +26,13 @@ constexpr FormatParameters kParameters = {
     .CardSubType = CARD_SUB_MI_LG,
     .DefaultCardName = "LG Smart Card",
     .DefaultByte = 72,
-    .BitCount = {.Facility = 48, .CardID = 64, .Revision = 16},
-    .OccupiedByte = {.Facility = 6, .CardID = 8, .Revision = 2},
     .BitCountTotal = 128,
     .ByteCountTotal = 16,
-    .Min = {.Facility = 1, .CardID = 1, .Revision = 1},
-    .Max = {.Facility = 999999, .CardID = 99999999, .Revision = 99},
-    .Mask = {.Facility = "AAAAAA", .CardID = "AAAAAAAA", .Revision = "99"},
-    .Index = {.Facility = {0, 5}, .CardID = {6, 13}, .Revision = {14, 15}},
+    .Facility =
+        {.Bits = 48, .Bytes = 6, .Min = 1, .Max = 999999, .Mask = "AAAAAA", .Index = {0, 5}},
+    .CardID =
+        {.Bits = 64, .Bytes = 8, .Min = 1, .Max = 99999999, .Mask = "AAAAAAAA", .Index = {6, 13}},
+    .Revision = {.Bits = 16, .Bytes = 2, .Min = 1, .Max = 99, .Mask = "99", .Index = {14, 15}},
 };
 
 }  // namespace

@@ -22,14 +22,16 @@ constexpr FormatParameters kParameters = {
     .CardSubType = CARD_SUB_MI_UID_32BITS,
     .DefaultCardName = "UID 32Bits Smart Card",
     .DefaultByte = 0,
-    .BitCount = {.Facility = 0, .CardID = 32, .Revision = 0},
-    .OccupiedByte = {.Facility = 0, .CardID = 32, .Revision = 0},
     .BitCountTotal = 32,
     .ByteCountTotal = kUidBytes,
-    .Min = {.Facility = 0, .CardID = 1, .Revision = 0},
-    .Max = {.Facility = 0, .CardID = 4294967295, .Revision = 0},
-    .Mask = {.Facility = "", .CardID = "9999999999", .Revision = ""},
-    .Index = {.Facility = {0, 0}, .CardID = {0, 3}, .Revision = {0, 0}},
+    .Facility = {.Bits = 0, .Bytes = 0, .Min = 0, .Max = 0, .Mask = "", .Index = {0, 0}},
+    .CardID = {.Bits = 32,
+               .Bytes = 32,
+               .Min = 1,
+               .Max = 4294967295,
+               .Mask = "9999999999",
+               .Index = {0, 3}},
+    .Revision = {.Bits = 0, .Bytes = 0, .Min = 0, .Max = 0, .Mask = "", .Index = {0, 0}},
 };
 
 }  // namespace

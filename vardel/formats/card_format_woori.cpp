@@ -28,14 +28,16 @@ constexpr FormatParameters kParameters = {
     .DefaultCardName = "Woori Bank Smart Card",
     .DefaultChar = " ",
     .DefaultByte = 0,
-    .BitCount = {.Facility = 8, .CardID = 104, .Revision = 16},
-    .OccupiedByte = {.Facility = 1, .CardID = 13, .Revision = 2},
     .BitCountTotal = 128,
     .ByteCountTotal = 16,
-    .Min = {.Facility = 0, .CardID = 1, .Revision = 0},
-    .Max = {.Facility = 9, .CardID = 9999999999999, .Revision = 99},
-    .Mask = {.Facility = "C", .CardID = "CCCCCCCCCCCCC", .Revision = "99"},
-    .Index = {.Facility = {0, 0}, .CardID = {1, 13}, .Revision = {14, 15}},
+    .Facility = {.Bits = 8, .Bytes = 1, .Min = 0, .Max = 9, .Mask = "C", .Index = {0, 0}},
+    .CardID = {.Bits = 104,
+               .Bytes = 13,
+               .Min = 1,
+               .Max = 9999999999999,
+               .Mask = "CCCCCCCCCCCCC",
+               .Index = {1, 13}},
+    .Revision = {.Bits = 16, .Bytes = 2, .Min = 0, .Max = 99, .Mask = "99", .Index = {14, 15}},
 };
 
 }  // namespace

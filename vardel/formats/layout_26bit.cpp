@@ -7,9 +7,9 @@
 
 namespace vardel::layout_26bit {
 
-CardDataStruct Encode(CCardFormatInfo& format, double facility, double cardID) {
+CardDataStruct Encode(CCardFormatInfo& format, const steps::Fields& fields) {
   constexpr double kFacilityWeight = 1 << 17;
-  const double sum = kFacilityWeight * facility + (cardID + cardID);
+  const double sum = kFacilityWeight * fields.facility + (fields.cardID + fields.cardID);
   std::uint64_t value = steps::NumberBytes(sum, 4);
   const std::uint64_t odd = 1 ^ steps::Parity(steps::GetBits(value, 0, 13));
   const std::uint64_t even = steps::Parity(steps::GetBits(value, 13, 12));

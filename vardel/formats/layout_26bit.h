@@ -3,7 +3,13 @@
 #include <vardel/core/byte_array.h>
 #include <vardel/core/card_data.h>
 #include <vardel/core/card_data_struct.h>
+#include <vardel/core/enumerations.h>
 #include <vardel/format/card_format_info.h>
+#include <vardel/format/format_parameters.h>
+#include <vardel/formats/steps.h>
+
+#include <cstdint>
+#include <string_view>
 
 /// The 26-bit card value that HID standard and EM standard share, held in 4 bytes:
 ///
@@ -13,9 +19,25 @@
 /// O makes bits 0 to 12 odd, E makes bits 13 to 25 even. Neither is checked when decoding.
 namespace vardel::layout_26bit {
 
+constexpr FormatParameters Parameters(CardType type, std::int16_t subType, std::string_view name) {
+  return {
+      .CardType = static_cast<std::int16_t>(type),
+      .CardSubType = subType,
+      .DefaultCardName = name,
+      .DefaultByte = 72,
+      .BitCountTotal = 26,
+      .ByteCountTotal = 4,
+      .Facility =
+          {.Bits = 8, .Bytes = 2, .Min = 1, .Max = kAllBits, .Mask = "999", .Index = {2, 3}},
+      .CardID =
+          {.Bits = 16, .Bytes = 3, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {0, 2}},
+      .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = -1, .Mask = "", .Index = kNoBytes},
+  };
+}
+
 /// The record of two accepted numbers. Fractions travel through the sum and are rounded into the
 /// bytes; what reaches bit 0 is counted and kept.
-CardDataStruct Encode(CCardFormatInfo& format, double facility, double cardID);
+CardDataStruct Encode(CCardFormatInfo& format, const steps::Fields& fields);
 
 /// Puts the fields of a read into the result. Where one field ends and the other begins follows the
 /// descriptor's occupied bytes (3 and 2): each has to be within 1..32, or fault 9.

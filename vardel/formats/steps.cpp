@@ -50,14 +50,20 @@ CardDataStruct Reject(CCardFormatInfo& format, std::string_view message) {
   return {};
 }
 
-bool AcceptFacility(CCardFormatInfo& format, const CCardData& card, double& value) {
-  return Accept(format, card.Facility, format.MinFacility, format.MaxFacility,
-                message::kIncorrectFacilityCode, value);
-}
-
 bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, double& value) {
   return Accept(format, card.CardID, format.MinCardID, format.MaxCardID, message::kIncorrectCardID,
                 value);
+}
+
+bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused, Fields& fields) {
+  if (!Accept(format, card.Facility, format.MinFacility, format.MaxFacility,
+              message::kIncorrectFacilityCode, fields.facility)) {
+    return false;
+  }
+  if (unused == Unused::Convert) CheckConversion(fields.facility);
+  if (!AcceptCardID(format, card, fields.cardID)) return false;
+  if (unused == Unused::Convert) CheckConversion(fields.cardID);
+  return true;
 }
 
 bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, int subType) {

@@ -69,16 +69,27 @@ inline std::array<std::uint8_t, 8> BytesOf(std::uint64_t value) {
 /// Records a content error on the format and gives the all-zero record that goes with it.
 CardDataStruct Reject(CCardFormatInfo& format, std::string_view message);
 
-/// Whether the card's facility code, or card number, is numeric and within the format's limits;
-/// then `value` is set. Otherwise the error is recorded on the format.
-bool AcceptFacility(CCardFormatInfo& format, const CCardData& card, double& value);
+/// Whether the card number is numeric and within the format's limits; then `value` is set.
+/// Otherwise the error is recorded on the format.
 bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, double& value);
+
+struct Fields {
+  double facility = 0;
+  double cardID = 0;
+};
+
+/// Some formats convert each field to bytes that they do not use, and end in the conversion's
+/// faults.
+enum class Unused { Skip, Convert };
+
+/// The same for the facility code and then the card number.
+bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused, Fields& fields);
 
 /// Whether the card is of the format's own type pair; otherwise the error is recorded on the
 /// format.
 bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, int subType);
 
-/// Ends in the faults of NumberToBytes, for formats that convert a field without using its bytes.
+/// Ends in the faults of NumberToBytes.
 void CheckConversion(double number);
 
 /// Closes an encode: the bytes, widened to a full record and turned around when

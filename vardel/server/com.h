@@ -9,9 +9,11 @@
 #include <oleauto.h>
 #include <windows.h>
 
+#include <atomic>
 #include <new>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 namespace vardel::server {
@@ -86,6 +88,41 @@ std::wstring Wide(std::string_view text);
 void AddModuleUse();
 void ReleaseModuleUse();
 bool IsModuleInUse();
+
+/// An object with a reference count and the given interfaces, the first of which is its identity.
+/// It keeps the DLL loaded.
+template <class... Interfaces>
+class ComObject : public Interfaces... {
+ public:
+  using Default = std::tuple_element_t<0, std::tuple<Interfaces...>>;
+
+  ComObject() { AddModuleUse(); }
+  ComObject(const ComObject&) = delete;
+  ComObject& operator=(const ComObject&) = delete;
+  virtual ~ComObject() { ReleaseModuleUse(); }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) return E_POINTER;
+    *object = nullptr;
+    if (iid == IID_IUnknown) *object = Unknown();
+    ((iid == __uuidof(Interfaces) ? void(*object = static_cast<Interfaces*>(this)) : void()), ...);
+    if (*object == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+ protected:
+  IUnknown* Unknown() { return static_cast<Default*>(this); }
+
+ private:
+  std::atomic<ULONG> references_{1};
+};
 
 extern HINSTANCE moduleInstance;
 /// The DLL's own path.

@@ -1,3 +1,4 @@
+#include <vardel/core/host_fault.h>
 #include <vardel/server/dispatch.h>
 #include <vardel/server/record_info.h>
 
@@ -130,21 +131,6 @@ HRESULT Order(const DISPPARAMS& params, const Member& member, std::vector<const 
   return S_OK;
 }
 
-/// The failure of a member as an exception of the late-bound call.
-HRESULT Raise(HRESULT status, EXCEPINFO* exception) {
-  ComPtr<IErrorInfo> info;
-  GetErrorInfo(0, info.out());
-  if (exception != nullptr) {
-    *exception = {};
-    exception->scode = status;
-    if (info) {
-      info->GetSource(&exception->bstrSource);
-      info->GetDescription(&exception->bstrDescription);
-    }
-  }
-  return DISP_E_EXCEPTION;
-}
-
 HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAMS& params,
              VARIANT* result, EXCEPINFO* exception, UINT* argumentError) {
   std::vector<const VARIANT*> given;
@@ -158,6 +144,8 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
   for (std::size_t i = 0; i < given.size(); ++i) {
     const VARIANT* const source = given[i] == nullptr ? &omitted : given[i];
     const HRESULT status = Convert(*source, member.parameters[i], arguments[i]);
+    if (status == DISP_E_TYPEMISMATCH) throw HostFault(Fault::TypeMismatch);
+    if (status == DISP_E_OVERFLOW) throw HostFault(Fault::Overflow);
     if (FAILED(status)) {
       if (argumentError != nullptr && given[i] != nullptr) {
         *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
@@ -199,7 +187,7 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
       DispCallFunc(target.object, member.vtableOffset, CC_STDCALL, VT_I4,
                    static_cast<UINT>(passed.size()), types.data(), passed.data(), &returned);
   if (FAILED(called)) return called;
-  if (FAILED(returned.lVal)) return Raise(returned.lVal, exception);
+  if (FAILED(returned.lVal)) return RaiseException(returned.lVal, exception);
   if (answer.vt == VT_EMPTY && member.result.type != VT_VARIANT) answer.vt = member.result.type;
   if (result != nullptr) {
     std::memcpy(result, &answer, sizeof(VARIANT));
@@ -209,6 +197,20 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
 }
 
 }  // namespace
+
+HRESULT RaiseException(HRESULT status, EXCEPINFO* exception) {
+  ComPtr<IErrorInfo> info;
+  GetErrorInfo(0, info.out());
+  if (exception != nullptr) {
+    *exception = {};
+    exception->scode = status;
+    if (info) {
+      info->GetSource(&exception->bstrSource);
+      info->GetDescription(&exception->bstrDescription);
+    }
+  }
+  return DISP_E_EXCEPTION;
+}
 
 HRESULT GetIDsOfNames(std::span<const DispatchTarget> targets, REFIID riid, LPOLESTR* names,
                       UINT count, DISPID* ids) {

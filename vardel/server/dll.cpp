@@ -7,8 +7,6 @@
 
 #include <vardel_idl.h>
 
-#include <atomic>
-
 namespace vardel::server {
 
 HINSTANCE moduleInstance = nullptr;
@@ -42,25 +40,9 @@ const ClassId kClasses[] = {
     {CLSID_CCardFrame, "CCardFrame"},
 };
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public ComObject<IClassFactory> {
  public:
-  explicit ClassFactory(const char* className) : className_(className) { AddModuleUse(); }
-  virtual ~ClassFactory() { ReleaseModuleUse(); }
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    const bool known = iid == IID_IUnknown || iid == IID_IClassFactory;
-    *object = known ? this : nullptr;
-    if (!known) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
+  explicit ClassFactory(const char* className) : className_(className) {}
 
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -78,7 +60,6 @@ class ClassFactory final : public IClassFactory {
 
  private:
   const char* className_;
-  std::atomic<ULONG> references_{1};
 };
 
 }  // namespace

@@ -13,12 +13,10 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 namespace vardel::server {
@@ -99,39 +97,22 @@ inline vardel::CardDataStruct Record(const ::CardDataStruct& record) {
 /// An automation object: reference count, interfaces, late-bound calls, and the boundary around
 /// every member. It has no state but its core object. The first interface is the default one.
 template <class CoreType, class... Interfaces>
-class Object : public Interfaces..., public ISupportErrorInfo, public INativeObject {
+class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject> {
+  using Base = ComObject<Interfaces..., ISupportErrorInfo, INativeObject>;
+  using Base::Unknown;
+
  public:
   using Core = CoreType;
-  using Default = std::tuple_element_t<0, std::tuple<Interfaces...>>;
+  using typename Base::Default;
 
   Object(const char* className, std::shared_ptr<Core> core)
       : className_(className), core_(std::move(core)) {
     ObjectMap::Add(core_.get(), Unknown());
-    AddModuleUse();
   }
-  Object(const Object&) = delete;
-  Object& operator=(const Object&) = delete;
-  virtual ~Object() {
-    ObjectMap::Remove(core_.get());
-    ReleaseModuleUse();
-  }
+  ~Object() override { ObjectMap::Remove(core_.get()); }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid == IID_IUnknown || iid == IID_IDispatch) *object = static_cast<Default*>(this);
-    ((iid == __uuidof(Interfaces) ? void(*object = static_cast<Interfaces*>(this)) : void()), ...);
-    if (iid == IID_ISupportErrorInfo) *object = static_cast<ISupportErrorInfo*>(this);
-    if (iid == __uuidof(INativeObject)) *object = static_cast<INativeObject*>(this);
-    if (*object == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
+    return Base::QueryInterface(iid == IID_IDispatch ? __uuidof(Default) : iid, object);
   }
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) override {
@@ -158,7 +139,7 @@ class Object : public Interfaces..., public ISupportErrorInfo, public INativeObj
     const HRESULT guarded = Guard(className_, [&] {
       status = server::Invoke(Targets(), id, riid, flags, params, result, exception, argumentError);
     });
-    return FAILED(guarded) ? guarded : status;
+    return FAILED(guarded) ? RaiseException(guarded, exception) : status;
   }
 
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override {
@@ -194,8 +175,6 @@ class Object : public Interfaces..., public ISupportErrorInfo, public INativeObj
   }
 
  private:
-  IUnknown* Unknown() { return static_cast<Default*>(this); }
-
   std::array<DispatchTarget, sizeof...(Interfaces)> Targets() {
     return {DispatchTarget{TableOf<Interfaces>(), static_cast<Interfaces*>(this)}...};
   }
@@ -207,7 +186,6 @@ class Object : public Interfaces..., public ISupportErrorInfo, public INativeObj
 
   const char* className_;
   std::shared_ptr<Core> core_;
-  std::atomic<ULONG> references_{1};
 };
 
 }  // namespace vardel::server

@@ -45,22 +45,30 @@ class WithError : public Base {
   }
 };
 
-class ErrorObject final : public Object<vardel::CError, ::_CError> {
+/// The error pair of a class that keeps it as plain fields.
+template <class Base>
+class WithErrorFields : public Base {
  public:
-  using Object::Object;
+  using Base::Base;
 
   STDMETHODIMP put_ErrName(BSTR value) override {
-    return Call([&] { core().ErrName = Utf8(value); });
+    return this->Call([&] { this->core().ErrName = Utf8(value); });
   }
   STDMETHODIMP get_ErrName(BSTR* value) override {
-    return Get(value, [&] { return core().ErrName; });
+    return this->Get(value, [&] { return this->core().ErrName; });
   }
   STDMETHODIMP put_ErrNumber(LONG value) override {
-    return Call([&] { core().ErrNumber = value; });
+    return this->Call([&] { this->core().ErrNumber = value; });
   }
   STDMETHODIMP get_ErrNumber(LONG* value) override {
-    return Get(value, [&] { return core().ErrNumber; });
+    return this->Get(value, [&] { return this->core().ErrNumber; });
   }
+};
+
+class ErrorObject final : public WithErrorFields<Object<vardel::CError, ::_CError>> {
+ public:
+  using WithErrorFields::WithErrorFields;
+
   STDMETHODIMP InitErr() override {
     return Call([&] { core().InitErr(); });
   }
@@ -69,22 +77,10 @@ class ErrorObject final : public Object<vardel::CError, ::_CError> {
   }
 };
 
-class CardDataObject final : public Object<vardel::CCardData, ::_CCardData> {
+class CardDataObject final : public WithErrorFields<Object<vardel::CCardData, ::_CCardData>> {
  public:
-  using Object::Object;
+  using WithErrorFields::WithErrorFields;
 
-  STDMETHODIMP put_ErrNumber(LONG value) override {
-    return Call([&] { core().ErrNumber = value; });
-  }
-  STDMETHODIMP get_ErrNumber(LONG* value) override {
-    return Get(value, [&] { return core().ErrNumber; });
-  }
-  STDMETHODIMP put_ErrName(BSTR value) override {
-    return Call([&] { core().ErrName = Utf8(value); });
-  }
-  STDMETHODIMP get_ErrName(BSTR* value) override {
-    return Get(value, [&] { return core().ErrName; });
-  }
   STDMETHODIMP put_CardType(::CardType value) override {
     return Call([&] { core().CardType = value; });
   }
@@ -251,22 +247,10 @@ class CardFrameObject final : public Object<vardel::CCardFrame, ::_CCardFrame, :
   }
 };
 
-class CardObject final : public Object<vardel::CCard, ::_CCard> {
+class CardObject final : public WithErrorFields<Object<vardel::CCard, ::_CCard>> {
  public:
-  using Object::Object;
+  using WithErrorFields::WithErrorFields;
 
-  STDMETHODIMP put_ErrName(BSTR value) override {
-    return Call([&] { core().ErrName = Utf8(value); });
-  }
-  STDMETHODIMP get_ErrName(BSTR* value) override {
-    return Get(value, [&] { return core().ErrName; });
-  }
-  STDMETHODIMP put_ErrNumber(LONG value) override {
-    return Call([&] { core().ErrNumber = value; });
-  }
-  STDMETHODIMP get_ErrNumber(LONG* value) override {
-    return Get(value, [&] { return core().ErrNumber; });
-  }
   STDMETHODIMP CardFormat(LONG type, LONG subType, ::_CCardFormatInfo** result) override {
     return Get(result, [&] { return core().CardFormat(type, subType); });
   }

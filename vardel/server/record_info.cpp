@@ -2,7 +2,6 @@
 #include <vardel/server/record_info.h>
 #include <vardel/server/type_table.h>
 
-#include <atomic>
 #include <cstring>
 #include <stdexcept>
 
@@ -32,25 +31,9 @@ HRESULT PutBytes(void* record, const VARIANT* value) {
   return S_OK;
 }
 
-class RecordInfo final : public IRecordInfo {
+class RecordInfo final : public ComObject<IRecordInfo> {
  public:
-  explicit RecordInfo(const GUID& guid) : guid_(guid) { AddModuleUse(); }
-  virtual ~RecordInfo() { ReleaseModuleUse(); }
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) return E_POINTER;
-    const bool known = iid == IID_IUnknown || iid == IID_IRecordInfo;
-    *object = known ? this : nullptr;
-    if (!known) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
+  explicit RecordInfo(const GUID& guid) : guid_(guid) {}
 
   STDMETHODIMP RecordInit(PVOID record) override { return RecordClear(record); }
   STDMETHODIMP RecordClear(PVOID record) override {
@@ -124,7 +107,6 @@ class RecordInfo final : public IRecordInfo {
   }
 
  private:
-  std::atomic<ULONG> references_{1};
   GUID guid_;
 };
 

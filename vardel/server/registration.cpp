@@ -53,18 +53,22 @@ class Classes {
     return status == ERROR_SUCCESS;
   }
 
-  /// With all below it; a key that is not there is as good.
-  void Remove(const std::wstring& key) const {
+  /// With all below it; a key that is not there is as good. One that stays does not keep the others.
+  void Remove(const std::wstring& key) {
     const LSTATUS status = RegDeleteTreeW(root_, Path(key).c_str());
     if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) {
-      throw RegistryFailure{HRESULT_FROM_WIN32(status)};
+      failure_ = HRESULT_FROM_WIN32(status);
     }
+  }
+  void RequireAllRemoved() const {
+    if (FAILED(failure_)) throw RegistryFailure{failure_};
   }
 
  private:
   static std::wstring Path(const std::wstring& key) { return L"Software\\Classes\\" + key; }
 
   HKEY root_;
+  HRESULT failure_ = S_OK;
 };
 
 /// Visits the types of the library.
@@ -129,7 +133,7 @@ void WriteKeys(const Classes& classes) {
   });
 }
 
-void RemoveKeys(const Classes& classes) {
+void RemoveKeys(Classes classes) {
   const auto library = LoadTypeLibrary();
   const std::wstring versions = L"TypeLib\\" + Text(LibraryGuid(library.get()));
   const std::wstring platforms = versions + L"\\1.0\\0\\";
@@ -146,6 +150,7 @@ void RemoveKeys(const Classes& classes) {
       if (!classes.Exists(key, kOtherView)) classes.Remove(L"Vardel." + name);
     }
   });
+  classes.RequireAllRemoved();
 }
 
 template <class F>

@@ -1,0 +1,17 @@
+# Cross-compiles for Windows. VARDEL_PROCESSOR is x86_64 or i686.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR ${VARDEL_PROCESSOR})
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VARDEL_PROCESSOR)
+set(triple ${VARDEL_PROCESSOR}-w64-mingw32)
+set(CMAKE_C_COMPILER ${triple}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${triple}-g++-posix)
+set(CMAKE_RC_COMPILER ${triple}-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/${triple})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+if(VARDEL_PROCESSOR STREQUAL i686)
+  # Doubles are 64 bits wide, whatever precision a host has set for its floating-point unit, and hosts
+  # may call with a stack that is aligned to 4 bytes only.
+  set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign")
+endif()
