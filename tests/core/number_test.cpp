@@ -56,10 +56,37 @@ TEST(NumberTest, WritesAllDigitsPlainlyFilledUpWithZeros) {
   EXPECT_EQ(NumberText(0), "0");
   EXPECT_EQ(NumberText(18446744073709551616.0), "18446744073709551616");
   EXPECT_EQ(NumberText(1e308).size(), 309u);
-  EXPECT_EQ(NumberText(5, 3), "005");
-  EXPECT_EQ(NumberText(1234, 3), "1234");
-  EXPECT_EQ(NumberText(7, 32767), std::string(32766, '0') + "7");
-  EXPECT_EQ(FaultOf([] { NumberText(7, -1); }), 5);
+  struct Row {
+    double value;
+    std::int16_t charCount;
+    std::string text;
+  };
+  const Row rows[] = {{5, 3, "005"},
+                      {1234, 3, "1234"},
+                      {0, 0, "0"},
+                      {120, 1, "120"},
+                      {10, 2, "10"},
+                      {9007199254740991, 18, "009007199254740991"},
+                      {1e16, 18, "010000000000000000"},
+                      {7, 32767, std::string(32766, '0') + "7"}};
+  for (const Row& row : rows) {
+    std::string text = "old";
+    AssignNumber(text, row.value, row.charCount);
+    EXPECT_EQ(text, row.text);
+    EXPECT_EQ(FaultOf([&] { AssignNumber(text, row.value, -1); }), 5);
+  }
+}
+
+TEST(NumberTest, TakesShortWaysToTheSameNumbers) {
+  for (const std::uint64_t value : {0ULL, 1ULL, 255ULL, 256ULL, 65535ULL, 999999999999999ULL}) {
+    const std::string digits = std::to_string(value);
+    EXPECT_EQ(ParseNumber(digits), ParseNumber(digits + ".0"));
+    EXPECT_EQ(ParseNumber(digits), ParseNumber(digits + "e0"));
+    EXPECT_EQ(WholeNumber(static_cast<double>(value)), value);
+  }
+  for (const double value : {0.5, -1.0, 9007199254740992.0, 1e300, HUGE_VAL, NAN + 0.}) {
+    EXPECT_EQ(WholeNumber(value), std::nullopt);
+  }
 }
 
 }  // namespace

@@ -5,11 +5,6 @@
 
 namespace vardel {
 
-void CError::InitErr() {
-  ErrNumber = 0;
-  ErrName.clear();
-}
-
 void CError::MakeErr(std::int32_t ErrCode, std::string_view ErrMsg) {
   ErrNumber = ErrCode;
   ErrName = ErrMsg;
@@ -34,8 +29,7 @@ ErrorHolder& ErrorHolder::operator=(const ErrorHolder& other) {
   return *this;
 }
 
-const CError& ErrorHolder::Contained() const {
-  if (const auto* own = std::get_if<CError>(&error_)) return *own;
+const CError& ErrorHolder::Shared() const {
   return RequireObject(std::get<std::shared_ptr<CError>>(error_).get());
 }
 

@@ -34,7 +34,10 @@ class CError {
   std::int32_t ErrNumber = 0;
 
   /// Back to (0, "").
-  void InitErr();
+  void InitErr() {
+    ErrNumber = 0;
+    ErrName.clear();
+  }
   /// Stores both as given; the code is not checked.
   void MakeErr(std::int32_t ErrCode, std::string_view ErrMsg);
 };
@@ -70,7 +73,11 @@ class ErrorHolder {
   ~ErrorHolder() = default;
 
  private:
-  const CError& Contained() const;
+  const CError& Contained() const {
+    const auto* const own = std::get_if<CError>(&error_);
+    return own != nullptr ? *own : Shared();
+  }
+  const CError& Shared() const;
   CError& Contained() { return const_cast<CError&>(std::as_const(*this).Contained()); }
 
   std::variant<CError, std::shared_ptr<CError>> error_;

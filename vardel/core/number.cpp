@@ -61,7 +61,7 @@ std::optional<double> DecimalValue(std::string_view whole, std::string_view frac
 }  // namespace
 
 std::optional<double> ParseNumber(std::string_view text) {
-  if (double digits = 0; ParseDigits(text, digits)) return digits;
+  if (std::int64_t digits = 0; ParseDigits(text, digits)) return static_cast<double>(digits);
 
   constexpr std::string_view kSpace = " \t";
   std::string_view rest = text;
@@ -108,25 +108,33 @@ std::uint8_t ToByte(double value) {
   return static_cast<std::uint8_t>(rounded);
 }
 
-std::string NumberText(double value) { return NumberText(value, 0); }
+std::string NumberText(double value) {
+  std::string text;
+  AssignNumber(text, value, 0);
+  return text;
+}
 
-std::string NumberText(double value, std::int16_t charCount) {
+void AssignNumber(std::string& text, std::uint64_t value, std::int16_t charCount) {
   if (charCount < 0) throw HostFault(Fault::InvalidCall);
-  const auto width = static_cast<std::size_t>(charCount);
-  if (auto whole = WholeNumber(value)) {
-    std::size_t count = 1;
-    for (std::uint64_t power = 10; power <= *whole; power *= 10) ++count;
-    std::string text(std::max(width, count), '0');
-    for (auto digit = text.rbegin(); *whole != 0; *whole /= 10) {
-      *digit++ = static_cast<char>('0' + *whole % 10);
-    }
-    return text;
+  text.assign(static_cast<std::size_t>(charCount), '0');
+  // As many digits as there are places, whatever the value: nothing to mispredict.
+  for (auto place = text.rbegin(); place != text.rend(); ++place) {
+    *place = static_cast<char>('0' + value % 10);
+    value /= 10;
   }
+  if (value != 0 || text.empty()) text.insert(0, std::to_string(value));
+}
+
+void AssignNumber(std::string& text, double value, std::int16_t charCount) {
+  if (const auto whole = WholeNumber(value)) return AssignNumber(text, *whole, charCount);
+  if (charCount < 0) throw HostFault(Fault::InvalidCall);
   std::array<char, 320> digits;  // the largest double has 309 before the point
   const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value,
                                           std::chars_format::fixed, 0);
   const auto count = static_cast<std::size_t>(end - digits.data());
-  return std::string(width > count ? width - count : 0, '0').append(digits.data(), count);
+  const auto width = static_cast<std::size_t>(charCount);
+  text.assign(width > count ? width - count : 0, '0');
+  text.append(digits.data(), count);
 }
 
 }  // namespace vardel

@@ -9,9 +9,9 @@
 namespace vardel {
 
 /// Whether the text is 1 to 15 digits and nothing else, as nearly all fields are; then `value`,
-/// which is exact, is set. The result is a bare bool because an optional costs the hot path its
+/// which a double holds exactly, is set. A bare bool because an optional costs the hot path its
 /// registers.
-inline bool ParseDigits(std::string_view text, double& value) {
+inline bool ParseDigits(std::string_view text, std::int64_t& value) {
   if (text.empty() || text.size() > 15) return false;
   std::int64_t sum = 0;
   for (const char c : text) {
@@ -19,7 +19,7 @@ inline bool ParseDigits(std::string_view text, double& value) {
     if (digit < 0 || digit > 9) return false;
     sum = sum * 10 + digit;
   }
-  value = static_cast<double>(sum);
+  value = sum;
   return true;
 }
 
@@ -52,8 +52,9 @@ std::uint8_t ToByte(double value);
 /// The whole number as plain decimal digits, never with an exponent.
 std::string NumberText(double value);
 
-/// As NumberText, filled with zeros on the left to `charCount` digits; a longer number is shown in
-/// full. A negative count is fault 5.
-std::string NumberText(double value, std::int16_t charCount);
+/// Sets `text` to the whole number's plain decimal digits, filled with zeros on the left to
+/// `charCount` of them; a longer number is shown in full. A negative count is fault 5.
+void AssignNumber(std::string& text, std::uint64_t value, std::int16_t charCount);
+void AssignNumber(std::string& text, double value, std::int16_t charCount);
 
 }  // namespace vardel

@@ -2,22 +2,20 @@
 #include <vardel/core/host_fault.h>
 #include <vardel/core/type_code.h>
 
-#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <limits>
-#include <utility>
 
 namespace vardel {
 namespace {
 
-constexpr std::array<std::pair<std::int32_t, std::int32_t>, 6> kAcceptedPairs = {{
-    {CARD_EM, CARD_SUB_EM_STD_26BITS},
-    {CARD_HID, CARD_SUB_HID_STD},
-    {CARD_HID, CARD_SUB_HID_FULL_BIN},
-    {CARD_HID, CARD_SUB_HID_34BITS},
-    {CARD_MIFARE, CARD_SUB_MI_UID_32BITS},
-    {CARD_MIFARE, CARD_SUB_MI_DONGSEO},
-}};
+/// One bit for each accepted sub-type of each main type.
+constexpr std::array<std::uint32_t, 4> kAcceptedSubTypes = {
+    0,
+    1U << CARD_SUB_EM_STD_26BITS,
+    1U << CARD_SUB_HID_STD | 1U << CARD_SUB_HID_FULL_BIN | 1U << CARD_SUB_HID_34BITS,
+    1U << CARD_SUB_MI_UID_32BITS | 1U << CARD_SUB_MI_DONGSEO,
+};
 
 std::int32_t RequireInt32(std::int64_t value) {
   using Limits = std::numeric_limits<std::int32_t>;
@@ -32,8 +30,8 @@ bool IsValidMainType(std::int32_t CardType) {
 }
 
 bool IsValidTypePair(std::int32_t CardType, std::int32_t CardSubType) {
-  return std::ranges::find(kAcceptedPairs, std::pair(CardType, CardSubType)) !=
-         kAcceptedPairs.end();
+  return IsValidMainType(CardType) && CardSubType >= 0 && CardSubType < 32 &&
+         (kAcceptedSubTypes[static_cast<std::size_t>(CardType)] >> CardSubType & 1) != 0;
 }
 
 std::int32_t TypeCode(std::int32_t CardType, std::int32_t CardSubType) {

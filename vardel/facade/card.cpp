@@ -82,9 +82,9 @@ CCardByteData CCard::MakeCardData(const CCardData* InCardData) {
   CCardFormatInfo& format = Format(card.CardType, card.CardSubType);
   result.CardType(card.CardType);
   result.CardSubType(card.CardSubType);
-  result.CardDataStruct = format.MakeCardData(card);
-  result.ErrNumber(format.ErrNumber());
-  result.ErrName(format.ErrName());
+  format.Encode(card, result.CardDataStruct);
+  if (format.ErrNumber() != 0) result.ErrNumber(format.ErrNumber());
+  if (!format.ErrName().empty()) result.ErrName(format.ErrName());
   return result;
 }
 

@@ -71,8 +71,14 @@ bool CCardFormatInfo::IsFacilityValid(std::string_view /*InData*/) const { retur
 
 bool CCardFormatInfo::IsCardIDValid(std::string_view /*InData*/) const { return false; }
 
+CardDataStruct CCardFormatInfo::MakeCardData(const CCardData& CardData) {
+  vardel::CardDataStruct record;
+  Encode(CardData, record);
+  return record;
+}
+
 CardDataStruct CCardFormatInfo::MakeCardData(const CCardData* CardData) {
-  return Encode(RequireObject(CardData));
+  return MakeCardData(RequireObject(CardData));
 }
 
 std::optional<CCardData> CCardFormatInfo::AnalyzeCardData(const ICardFrame& UserInfo) {
@@ -85,7 +91,7 @@ std::optional<CCardData> CCardFormatInfo::AnalyzeCardData(const ICardFrame* User
   return AnalyzeCardData(RequireObject(UserInfo));
 }
 
-CardDataStruct CCardFormatInfo::Encode(const CCardData& /*card*/) { return {}; }
+void CCardFormatInfo::Encode(const CCardData& /*card*/, vardel::CardDataStruct& /*record*/) {}
 
 bool CCardFormatInfo::Decode(const ICardFrame& /*frame*/, CCardData& /*result*/) { return false; }
 

@@ -99,7 +99,7 @@ class CCardFormatInfo : public ErrorHolder {
   /// Encodes a card. Content errors are recorded on the format and give an all-zero record; success
   /// does not clear an earlier error (DongSeo alone clears first). The base gives an all-zero
   /// record and records nothing. A null card is fault 91.
-  vardel::CardDataStruct MakeCardData(const CCardData& CardData) { return Encode(CardData); }
+  vardel::CardDataStruct MakeCardData(const CCardData& CardData);
   vardel::CardDataStruct MakeCardData(const CCardData* CardData);
 
   /// Decodes a read. Content errors are recorded on the result; a blank read (all bytes 00 or all
@@ -114,7 +114,8 @@ class CCardFormatInfo : public ErrorHolder {
  private:
   friend class CCard;
 
-  virtual vardel::CardDataStruct Encode(const CCardData& card);
+  /// Encodes into a record of zeros, and leaves it so where a content error is recorded.
+  virtual void Encode(const CCardData& card, vardel::CardDataStruct& record);
   /// Decodes into a new card; false gives none.
   virtual bool Decode(const ICardFrame& frame, CCardData& result);
 

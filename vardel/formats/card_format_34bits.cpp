@@ -33,9 +33,8 @@ constexpr FormatParameters kParameters = {
 constexpr std::uint64_t Spread(std::uint64_t field, int position) {
   return (steps::GetBits(field, 0, 8) | steps::GetBits(field, 8, 8) << 16) << position;
 }
-constexpr double Gather(std::uint64_t value, int position) {
-  return static_cast<double>(steps::GetBits(value, position, 8) |
-                             steps::GetBits(value, position + 16, 8) << 8);
+constexpr std::uint64_t Gather(std::uint64_t value, int position) {
+  return steps::GetBits(value, position, 8) | steps::GetBits(value, position + 16, 8) << 8;
 }
 
 }  // namespace
@@ -44,16 +43,16 @@ CCardFormat34Bits::CCardFormat34Bits() : LimitCheckedFormat(kParameters) {}
 
 bool CCardFormat34Bits::IsRevisionValid(std::string_view /*InData*/) const { return true; }
 
-CardDataStruct CCardFormat34Bits::Encode(const CCardData& card) {
+void CCardFormat34Bits::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return {};
+  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return;
 
-  std::uint64_t value = Spread(steps::NumberBytes(fields.cardID, 2), 1) |
-                        Spread(steps::NumberBytes(fields.facility, 2), 9);
+  std::uint64_t value = Spread(steps::NumberBytes(fields.cardID.number, 2), 1) |
+                        Spread(steps::NumberBytes(fields.facility.number, 2), 9);
   value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 16))) |
            steps::Parity(steps::GetBits(value, 17, 16)) << 33;
   // This encoder alone never turns the record around.
-  return MakeCardDataStruct(steps::BytesOf(value), false);
+  record = MakeCardDataStruct(steps::BytesOf(value), false);
 }
 
 bool CCardFormat34Bits::Decode(const ICardFrame& frame, CCardData& result) {

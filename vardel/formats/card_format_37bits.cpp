@@ -30,11 +30,11 @@ constexpr FormatParameters kParameters = {
 
 CCardFormat37Bits::CCardFormat37Bits() : LimitCheckedFormat(kParameters) {}
 
-CardDataStruct CCardFormat37Bits::Encode(const CCardData& card) {
+void CCardFormat37Bits::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return {};
-  const std::uint64_t facility = steps::NumberBytes(fields.facility, 2);
-  const std::uint64_t cardID = steps::NumberBytes(fields.cardID, 3);
+  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return;
+  const std::uint64_t facility = steps::NumberBytes(fields.facility.number, 2);
+  const std::uint64_t cardID = steps::NumberBytes(fields.cardID.number, 3);
 
   // With limits that a host has raised, the number's upper part can reach beyond bit 39, the last
   // one kept.
@@ -42,7 +42,7 @@ CardDataStruct CCardFormat37Bits::Encode(const CCardData& card) {
       steps::GetBits(cardID, 0, 8) << 1 | facility << 9 | steps::GetBits(cardID, 8, 15) << 25;
   value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 18))) |
            steps::Parity(steps::GetBits(value, 19, 17)) << 36;
-  return steps::MakeRecord(*this, value);
+  steps::PutRecord(*this, value, record);
 }
 
 bool CCardFormat37Bits::Decode(const ICardFrame& frame, CCardData& result) {
@@ -52,8 +52,7 @@ bool CCardFormat37Bits::Decode(const ICardFrame& frame, CCardData& result) {
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
     const std::uint64_t value = steps::LowBytes(*bytes, 5);
     const std::uint64_t cardID = steps::GetBits(value, 1, 8) | steps::GetBits(value, 25, 11) << 8;
-    steps::PutNumbers(*this, static_cast<double>(steps::GetBits(value, 9, 16)),
-                      static_cast<double>(cardID), result);
+    steps::PutNumbers(*this, steps::GetBits(value, 9, 16), cardID, result);
   }
   return true;
 }

@@ -40,9 +40,9 @@ bool CCardFormatBinary26::IsFacilityValid(std::string_view /*InData*/) const { r
 
 bool CCardFormatBinary26::IsCardIDValid(std::string_view /*InData*/) const { return true; }
 
-CardDataStruct CCardFormatBinary26::Encode(const CCardData& card) {
-  double cardID = 0;
-  if (!steps::AcceptCardID(*this, card, cardID)) return {};
+void CCardFormatBinary26::Encode(const CCardData& card, vardel::CardDataStruct& /*record*/) {
+  steps::Field cardID;
+  if (!steps::AcceptCardID(*this, card, cardID)) return;
   steps::CheckConversion(cardID);
   // Cards are only ever read in this format. Hosts know that an accepted number ends so.
   throw HostFault(Fault::OutOfRange);
@@ -53,9 +53,13 @@ bool CCardFormatBinary26::Decode(const ICardFrame& frame, CCardData& result) {
   constexpr steps::Rereads kRereads = {.always = 0, .whenReversed = 1};
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
-    // All bytes of the read count, not just 26 bits.
+    // All bytes of the read count, not just 26 bits. There is no facility code to write, but its
+    // character count is looked at.
+    AssignNumber(result.Facility, std::uint64_t{0}, CharCountFacility);
+    result.Facility.clear();
     const auto number = ParseNumber(ByteArrayToNumberText(*bytes));
-    steps::PutNumbers(*this, std::nullopt, number, result);
+    AssignNumber(result.CardID, number.value_or(0), CharCountCardID);
+    if (!number) result.CardID.clear();
   }
   return true;
 }

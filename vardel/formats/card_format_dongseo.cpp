@@ -58,15 +58,15 @@ bool CCardFormatDongSeo::IsRevisionValid(std::string_view InData) const {
   return IsNumberWithin(InData, MinRevision, MaxRevision);
 }
 
-CardDataStruct CCardFormatDongSeo::Encode(const CCardData& card) {
+void CCardFormatDongSeo::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   using characters::Align;
   using characters::Zero;
   InitErr();
-  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_DONGSEO)) return {};
+  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_DONGSEO)) return;
 
   // A bad card number leaves its bytes 0, and the record is still made; a bad revision leaves its
   // bytes 0 and is not even recorded.
-  CardDataStruct work;
+  vardel::CardDataStruct work;
   if (IsCardIDValid(card.CardID)) {
     characters::Put(work, Backwards(0, OccupiedByteCardId),
                     characters::Fill(card.CardID, OccupiedByteCardId, "0", Align::Right),
@@ -80,7 +80,7 @@ CardDataStruct CCardFormatDongSeo::Encode(const CCardData& card) {
         characters::Fill(LastChars(card.Revision, 2), CharCountRevision, "0", Align::Right),
         Zero::IsZero);
   }
-  return MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
+  record = MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
 }
 
 bool CCardFormatDongSeo::Decode(const ICardFrame& frame, CCardData& result) {

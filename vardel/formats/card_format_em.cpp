@@ -13,10 +13,10 @@ constexpr FormatParameters kParameters =
 
 CCardFormatEM::CCardFormatEM() : LimitCheckedFormat(kParameters) {}
 
-CardDataStruct CCardFormatEM::Encode(const CCardData& card) {
+void CCardFormatEM::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return {};
-  return layout_26bit::Encode(*this, fields);
+  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return;
+  layout_26bit::Encode(*this, fields, record);
 }
 
 bool CCardFormatEM::Decode(const ICardFrame& frame, CCardData& result) {

@@ -38,20 +38,18 @@ constexpr FormatParameters kParameters = {
 
 CCardFormatHIDCorp1000::CCardFormatHIDCorp1000() : LimitCheckedFormat(kParameters) {}
 
-CardDataStruct CCardFormatHIDCorp1000::Encode(const CCardData& card) {
+void CCardFormatHIDCorp1000::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return {};
+  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return;
 
   // A facility code above 4095 spills into bits 33 to 36; the parity bits are OR-ed to that. So is
   // B to what a fraction leaves in bit 0, and C counts both.
-  constexpr double kFacilityWeight = 1 << 21;
-  const double sum = kFacilityWeight * fields.facility + (fields.cardID + fields.cardID);
-  std::uint64_t value = steps::NumberBytes(sum, 5);
+  std::uint64_t value = steps::PackFields(fields, 21, 5);
   value |= steps::Parity(value & kCoveredByA) << 33;
   const std::uint64_t b = 1 ^ steps::Parity(value & kCoveredByB);
   const std::uint64_t c = 1 ^ steps::Parity(value & kCoveredByC) ^ b;
   value |= b | c << 34;
-  return steps::MakeRecord(*this, value);
+  steps::PutRecord(*this, value, record);
 }
 
 bool CCardFormatHIDCorp1000::Decode(const ICardFrame& frame, CCardData& result) {
@@ -60,8 +58,7 @@ bool CCardFormatHIDCorp1000::Decode(const ICardFrame& frame, CCardData& result) 
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
     const std::uint64_t value = steps::LowBytes(*bytes, 5);
-    steps::PutNumbers(*this, static_cast<double>(steps::GetBits(value, 21, 12)),
-                      static_cast<double>(steps::GetBits(value, 1, 20)), result);
+    steps::PutNumbers(*this, steps::GetBits(value, 21, 12), steps::GetBits(value, 1, 20), result);
   }
   return true;
 }

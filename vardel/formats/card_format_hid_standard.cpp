@@ -13,10 +13,10 @@ constexpr FormatParameters kParameters =
 
 CCardFormatHIDStandard::CCardFormatHIDStandard() : LimitCheckedFormat(kParameters) {}
 
-CardDataStruct CCardFormatHIDStandard::Encode(const CCardData& card) {
+void CCardFormatHIDStandard::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return {};
-  return layout_26bit::Encode(*this, fields);
+  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return;
+  layout_26bit::Encode(*this, fields, record);
 }
 
 bool CCardFormatHIDStandard::Decode(const ICardFrame& frame, CCardData& result) {

@@ -47,12 +47,12 @@ bool CCardFormatUID32BIts::IsCardIDValid(std::string_view InData) const {
 
 bool CCardFormatUID32BIts::IsRevisionValid(std::string_view /*InData*/) const { return true; }
 
-CardDataStruct CCardFormatUID32BIts::Encode(const CCardData& card) {
-  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_UID_32BITS)) return {};
+void CCardFormatUID32BIts::Encode(const CCardData& card, vardel::CardDataStruct& record) {
+  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_UID_32BITS)) return;
   // No range is checked: a larger number is taken modulo 2^32.
   const std::uint64_t uid = steps::LowBytes(NumberToBytesByByte(card.CardID), kUidBytes);
   const auto bytes = steps::BytesOf(uid);
-  return MakeCardDataStruct(std::span(bytes).first(kUidBytes), IsCardArrayReversed);
+  record = MakeCardDataStruct(std::span(bytes).first(kUidBytes), IsCardArrayReversed);
 }
 
 bool CCardFormatUID32BIts::Decode(const ICardFrame& frame, CCardData& result) {
@@ -61,7 +61,7 @@ bool CCardFormatUID32BIts::Decode(const ICardFrame& frame, CCardData& result) {
   constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 0};
   if (const auto bytes =
           steps::ReadBytes(*this, frame, steps::kMinSmartCardBytes, kRereads, result)) {
-    result.CardID = NumberText(static_cast<double>(steps::LowBytes(*bytes, kUidBytes)));
+    AssignNumber(result.CardID, steps::LowBytes(*bytes, kUidBytes), 0);
   }
   return true;
 }

@@ -46,7 +46,7 @@ class TextFormat : public CCardFormatInfo, public RevisionValidator {
   TextFormat(const FormatParameters& parameters, const TextLayout& layout);
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 
   const TextLayout& layout_;
@@ -58,7 +58,7 @@ class CCardFormatEM final : public LimitCheckedFormat {
   CCardFormatEM();
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
@@ -69,7 +69,7 @@ class CCardFormatHIDStandard final : public LimitCheckedFormat {
   CCardFormatHIDStandard();
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
@@ -83,7 +83,7 @@ class CCardFormatBinary26 final : public CCardFormatInfo {
   bool IsCardIDValid(std::string_view InData) const override;
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
@@ -93,7 +93,7 @@ class CCardFormat37Bits final : public LimitCheckedFormat {
   CCardFormat37Bits();
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
@@ -107,7 +107,7 @@ class CCardFormatHIDCorp1000 final : public LimitCheckedFormat {
   std::int16_t Eidx2ndCardID() const { return 4; }
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
@@ -120,7 +120,7 @@ class CCardFormat34Bits final : public LimitCheckedFormat, public RevisionValida
   bool IsRevisionValid(std::string_view InData) const override;
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
@@ -137,7 +137,7 @@ class CCardFormatUID32BIts final : public CCardFormatInfo, public RevisionValida
   bool IsRevisionValid(std::string_view InData) const override;
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
@@ -156,7 +156,7 @@ class CCardFormatDongSeo final : public CCardFormatInfo, public RevisionValidato
   bool IsRevisionValid(std::string_view InData) const override;
 
  private:
-  vardel::CardDataStruct Encode(const CCardData& card) override;
+  void Encode(const CCardData& card, vardel::CardDataStruct& record) override;
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 

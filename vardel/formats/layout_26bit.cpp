@@ -7,14 +7,12 @@
 
 namespace vardel::layout_26bit {
 
-CardDataStruct Encode(CCardFormatInfo& format, const steps::Fields& fields) {
-  constexpr double kFacilityWeight = 1 << 17;
-  const double sum = kFacilityWeight * fields.facility + (fields.cardID + fields.cardID);
-  std::uint64_t value = steps::NumberBytes(sum, 4);
+void Encode(const CCardFormatInfo& format, const steps::Fields& fields, CardDataStruct& record) {
+  std::uint64_t value = steps::PackFields(fields, 17, 4);
   const std::uint64_t odd = 1 ^ steps::Parity(steps::GetBits(value, 0, 13));
   const std::uint64_t even = steps::Parity(steps::GetBits(value, 13, 12));
   value |= odd | even << 25;
-  return steps::MakeRecord(format, value);
+  steps::PutRecord(format, value, record);
 }
 
 void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData& result) {
@@ -32,13 +30,11 @@ void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData&
   // cleared, below them.
   const int shared = cardBytes - 1;
   const std::uint64_t cardID = shared < 4 ? steps::GetBits(value, 0, 8 * shared + 1) : value;
-  double facility = static_cast<double>(byteAt(shared) & 0xFE);
-  if (facilityBytes > 1) {
-    double weight = 1;
-    for (int i = 1; i < facilityBytes; ++i) weight *= 256;
-    facility += static_cast<double>(byteAt(shared + facilityBytes - 1) & 1) * weight;
+  std::uint64_t facility = byteAt(shared) & 0xFE;
+  if (facilityBytes > 1 && (byteAt(shared + facilityBytes - 1) & 1) != 0) {
+    facility |= std::uint64_t{1} << 8 * (facilityBytes - 1);  // within the value's four bytes
   }
-  steps::PutNumbers(format, facility / 2, static_cast<double>(cardID) / 2, result);
+  steps::PutNumbers(format, facility >> 1, cardID >> 1, result);
 }
 
 }  // namespace vardel::layout_26bit

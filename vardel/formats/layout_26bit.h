@@ -37,7 +37,7 @@ constexpr FormatParameters Parameters(CardType type, std::int16_t subType, std::
 
 /// The record of two accepted numbers. Fractions travel through the sum and are rounded into the
 /// bytes; what reaches bit 0 is counted and kept.
-CardDataStruct Encode(CCardFormatInfo& format, const steps::Fields& fields);
+void Encode(const CCardFormatInfo& format, const steps::Fields& fields, CardDataStruct& record);
 
 /// Puts the fields of a read into the result. Where one field ends and the other begins follows the
 /// descriptor's occupied bytes (3 and 2): each has to be within 1..32, or fault 9.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <string>
 
@@ -14,23 +15,17 @@ namespace vardel::steps {
 namespace {
 
 bool Accept(CCardFormatInfo& format, std::string_view text, double min, double max,
-            std::string_view message, double& value) {
-  bool isNumber = ParseDigits(text, value);
-  if (!isNumber) {
-    if (const auto number = ParseNumber(text)) {
-      value = *number;
-      isNumber = true;
-    }
+            std::string_view message, Field& field) {
+  bool isNumber = ParseDigits(text, field.whole);
+  if (isNumber) {
+    field.number = static_cast<double>(field.whole);
+  } else if (const auto number = ParseNumber(text)) {
+    field.number = *number;
+    isNumber = true;
   }
-  if (isNumber && !(value < min) && !(value > max)) return true;
+  if (isNumber && !(field.number < min) && !(field.number > max)) return true;
   Reject(format, message);
   return false;
-}
-
-std::string FieldText(std::optional<double> value, std::int16_t charCount) {
-  std::string text = NumberText(value.value_or(0), charCount);  // checks the count in any case
-  if (!value) text.clear();
-  return text;
 }
 
 }  // namespace
@@ -50,9 +45,9 @@ CardDataStruct Reject(CCardFormatInfo& format, std::string_view message) {
   return {};
 }
 
-bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, double& value) {
+bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, Field& field) {
   return Accept(format, card.CardID, format.MinCardID, format.MaxCardID, message::kIncorrectCardID,
-                value);
+                field);
 }
 
 bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused, Fields& fields) {
@@ -72,8 +67,21 @@ bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, i
   return accepted;
 }
 
-void CheckConversion(double number) {
-  if (!WholeNumber(number)) NumberToBytes(number);
+void CheckConversion(const Field& field) {
+  if (field.whole == Field::kNotWhole) NumberToBytes(field.number);
+}
+
+std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count) {
+  constexpr std::int64_t kSmall = std::int64_t{1} << 30;  // the sum stays below 2^53
+  const bool areWhole = fields.facility.whole >= 0 && fields.cardID.whole >= 0;
+  if (areWhole && fields.facility.whole < kSmall && fields.cardID.whole < kSmall) {
+    const auto sum =
+        static_cast<std::uint64_t>((fields.facility.whole << facilityAt) + 2 * fields.cardID.whole);
+    return GetBits(sum, 0, static_cast<int>(8 * count));
+  }
+  const double weight = std::ldexp(1.0, facilityAt);
+  return NumberBytes(
+      weight * fields.facility.number + (fields.cardID.number + fields.cardID.number), count);
 }
 
 CardDataStruct MakeRecord(CCardFormatInfo& format, std::span<const std::uint8_t> bytes) {
@@ -83,10 +91,9 @@ CardDataStruct MakeRecord(CCardFormatInfo& format, std::span<const std::uint8_t>
   return MakeCardDataStruct(wide, format.IsCardArrayReversed);
 }
 
-CardDataStruct MakeRecord(const CCardFormatInfo& format, std::uint64_t value) {
-  CardDataStruct record;
+void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record) {
   std::ranges::copy(BytesOf(value), record.Bytes.begin());
-  return format.IsCardArrayReversed ? MakeCardDataStruct(record.Bytes, true) : record;
+  if (format.IsCardArrayReversed) record = MakeCardDataStruct(record.Bytes, true);
 }
 
 std::optional<ByteArray> ReadBytes(const CCardFormatInfo& format, const ICardFrame& frame,
@@ -128,10 +135,10 @@ int WorkBytes(std::int16_t count, int needed) {
   return count;
 }
 
-void PutNumbers(const CCardFormatInfo& format, std::optional<double> facility,
-                std::optional<double> cardID, CCardData& result) {
-  result.Facility = FieldText(facility, format.CharCountFacility);
-  result.CardID = FieldText(cardID, format.CharCountCardID);
+void PutNumbers(const CCardFormatInfo& format, std::uint64_t facility, std::uint64_t cardID,
+                CCardData& result) {
+  AssignNumber(result.Facility, facility, format.CharCountFacility);
+  AssignNumber(result.CardID, cardID, format.CharCountCardID);
 }
 
 }  // namespace vardel::steps

@@ -69,13 +69,22 @@ inline std::array<std::uint8_t, 8> BytesOf(std::uint64_t value) {
 /// Records a content error on the format and gives the all-zero record that goes with it.
 CardDataStruct Reject(CCardFormatInfo& format, std::string_view message);
 
-/// Whether the card number is numeric and within the format's limits; then `value` is set.
+/// An accepted number. Nearly all are whole and below 10^15: those have an integer beside the
+/// double.
+struct Field {
+  double number = 0;
+  std::int64_t whole = kNotWhole;
+
+  static constexpr std::int64_t kNotWhole = -1;
+};
+
+/// Whether the card number is numeric and within the format's limits; then `field` is set.
 /// Otherwise the error is recorded on the format.
-bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, double& value);
+bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, Field& field);
 
 struct Fields {
-  double facility = 0;
-  double cardID = 0;
+  Field facility;
+  Field cardID;
 };
 
 /// Some formats convert each field to bytes that they do not use, and end in the conversion's
@@ -90,13 +99,17 @@ bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused,
 bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, int subType);
 
 /// Ends in the faults of NumberToBytes.
-void CheckConversion(double number);
+void CheckConversion(const Field& field);
+
+/// The lowest `count` bytes of 2^facilityAt x facility code + 2 x card number, computed in doubles
+/// as the fields are; whole fields whose sum is exact take the short way.
+std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count);
 
 /// Closes an encode: the bytes, widened to a full record and turned around when
 /// `IsCardArrayReversed` says so. More bytes than a record can index are rejected.
 CardDataStruct MakeRecord(CCardFormatInfo& format, std::span<const std::uint8_t> bytes);
 /// The same for a card value of up to 8 bytes.
-CardDataStruct MakeRecord(const CCardFormatInfo& format, std::uint64_t value);
+void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record);
 
 // --- decode ---
 
@@ -132,9 +145,8 @@ bool IsBlank(std::span<const std::uint8_t> bytes);
 /// 32 bytes of a record.
 int WorkBytes(std::int16_t count, int needed);
 
-/// Writes the two numbers into the result, filled with zeros to the format's character counts;
-/// nothing gives "".
-void PutNumbers(const CCardFormatInfo& format, std::optional<double> facility,
-                std::optional<double> cardID, CCardData& result);
+/// Writes the two numbers into the result, filled with zeros to the format's character counts.
+void PutNumbers(const CCardFormatInfo& format, std::uint64_t facility, std::uint64_t cardID,
+                CCardData& result);
 
 }  // namespace vardel::steps

@@ -30,11 +30,11 @@ bool TextFormat::IsRevisionValid(std::string_view InData) const {
   return IsNumberWithin(InData, MinRevision, MaxRevision);
 }
 
-CardDataStruct TextFormat::Encode(const CCardData& card) {
+void TextFormat::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   using characters::Align;
-  if (!steps::AcceptType(*this, card, CARD_MIFARE, layout_.subType)) return {};
+  if (!steps::AcceptType(*this, card, CARD_MIFARE, layout_.subType)) return;
 
-  CardDataStruct work;
+  vardel::CardDataStruct work;
   int next = 0;
   const auto put = [&](std::string_view text, std::int16_t width, std::int16_t count,
                        std::string_view filler, Align align) {
@@ -48,7 +48,7 @@ CardDataStruct TextFormat::Encode(const CCardData& card) {
       layout_.align);
   put(LastChars(card.Revision, 2), CharCountRevision, OccupiedByteRevision,
       isFixed ? layout_.filler : " ", layout_.align);
-  return MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
+  record = MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
 }
 
 bool TextFormat::Decode(const ICardFrame& frame, CCardData& result) {

@@ -22,7 +22,8 @@ HRESULT GetIDsOfNames(std::span<const DispatchTarget> targets, REFIID riid, LPOL
 HRESULT Invoke(std::span<const DispatchTarget> targets, DISPID id, REFIID riid, WORD flags,
                DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception, UINT* argumentError);
 
-/// A failure as the exception of a late-bound call: the status, with this thread's error information.
+/// A failure as the exception of a late-bound call: the status, with this thread's error
+/// information.
 HRESULT RaiseException(HRESULT status, EXCEPINFO* exception);
 
 }  // namespace vardel::server

@@ -53,7 +53,8 @@ class Classes {
     return status == ERROR_SUCCESS;
   }
 
-  /// With all below it; a key that is not there is as good. One that stays does not keep the others.
+  /// With all below it; a key that is not there is as good. One that stays does not keep the
+  /// others.
   void Remove(const std::wstring& key) {
     const LSTATUS status = RegDeleteTreeW(root_, Path(key).c_str());
     if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) {
