@@ -42,12 +42,11 @@ constexpr Sequence SequenceOf(std::uint8_t lead) {
 
 }  // namespace
 
-char32_t TakeChar(std::string_view& rest) noexcept {
+char32_t TakeMultiByteChar(std::string_view& rest) noexcept {
   // Not empty on entry; the test below is about what follows the first byte.
   // cppcheck-suppress containerOutOfBounds
   const auto lead = static_cast<std::uint8_t>(rest.front());
   rest.remove_prefix(1);
-  if (lead < 0x80) return lead;
 
   auto [length, low, high] = SequenceOf(lead);
   if (length == 0) return kReplacement;
@@ -88,7 +87,7 @@ std::string_view TrimBlanks(std::string_view text) noexcept {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-std::uint8_t ByteOfChar(char32_t character) {
+std::uint8_t ByteOfNonAsciiChar(char32_t character) {
   if (character <= 0xFF && !IsRemapped(character)) return static_cast<std::uint8_t>(character);
   const auto* const found = std::ranges::find(kRemapped, character);
   if (found == kRemapped.end()) throw HostFault(Fault::Overflow);

@@ -9,8 +9,16 @@
 /// one U+FFFD character.
 namespace vardel {
 
+/// Takes the first character off `rest`, which begins with a byte of 80 or above.
+char32_t TakeMultiByteChar(std::string_view& rest) noexcept;
+
 /// Takes the first character off `rest`, which must not be empty.
-char32_t TakeChar(std::string_view& rest) noexcept;
+inline char32_t TakeChar(std::string_view& rest) noexcept {
+  const auto first = static_cast<std::uint8_t>(rest.front());
+  if (first >= 0x80) return TakeMultiByteChar(rest);
+  rest.remove_prefix(1);
+  return first;
+}
 
 std::size_t CharCount(std::string_view text) noexcept;
 /// The first `count` characters of `text`, or all of it when it is shorter.
@@ -23,7 +31,10 @@ std::string_view TrimBlanks(std::string_view text) noexcept;
 /// The single-byte code of a character in Windows-1252, on every platform. The five bytes that the
 /// code page leaves unassigned (81, 8D, 8F, 90, 9D) stand for the control characters of the same
 /// number. A character without a code is fault 6.
-std::uint8_t ByteOfChar(char32_t character);
+std::uint8_t ByteOfNonAsciiChar(char32_t character);
+inline std::uint8_t ByteOfChar(char32_t character) {
+  return character < 0x80 ? static_cast<std::uint8_t>(character) : ByteOfNonAsciiChar(character);
+}
 /// Appends the character of a Windows-1252 code; every byte has one.
 void AppendCharOfByte(std::string& text, std::uint8_t byte);
 

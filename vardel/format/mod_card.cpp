@@ -41,15 +41,20 @@ std::string PadText(std::string_view Source, std::int16_t Length, std::string_vi
   return text;
 }
 
-std::string ByteArrayToNumberText(std::span<const std::uint8_t> Bytes) {
-  if (Bytes.empty() || Bytes.size() > kMaxNumberBytes) return {};
+std::optional<double> ByteArrayToNumber(std::span<const std::uint8_t> Bytes) {
+  if (Bytes.empty() || Bytes.size() > kMaxNumberBytes) return std::nullopt;
   double sum = 0;
   double weight = 1;
   for (const std::uint8_t byte : Bytes) {
     sum += byte * weight;
     weight *= 256;
   }
-  return std::isfinite(sum) ? NumberText(sum) : std::string();
+  return std::isfinite(sum) ? std::optional(sum) : std::nullopt;
+}
+
+std::string ByteArrayToNumberText(std::span<const std::uint8_t> Bytes) {
+  const auto number = ByteArrayToNumber(Bytes);
+  return number ? NumberText(*number) : std::string();
 }
 
 ByteArray NumberToBytesByByte(double Value) {

@@ -7,6 +7,7 @@
 #include <vardel/core/type_code.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,8 +26,10 @@ bool IsByteArrayVariant(std::uint16_t variantTypeCode);
 std::string PadText(std::string_view Source, std::int16_t Length, std::string_view PadChar,
                     std::int16_t Side);
 
-/// The decimal text of little-endian bytes, summed up in a double. "" for no bytes, and for so many
-/// (over 128) that the sum leaves the range of a double.
+/// The number that little-endian bytes stand for, summed up in a double. Nothing for no bytes, for
+/// more than 128, and where the sum is too large for a double.
+std::optional<double> ByteArrayToNumber(std::span<const std::uint8_t> Bytes);
+/// The same as decimal text; "" for nothing.
 std::string ByteArrayToNumberText(std::span<const std::uint8_t> Bytes);
 
 /// A number as little-endian bytes by repeated division by 256; 0 gives one zero byte. The

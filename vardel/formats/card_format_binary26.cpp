@@ -57,7 +57,7 @@ bool CCardFormatBinary26::Decode(const ICardFrame& frame, CCardData& result) {
     // character count is looked at.
     AssignNumber(result.Facility, std::uint64_t{0}, CharCountFacility);
     result.Facility.clear();
-    const auto number = ParseNumber(ByteArrayToNumberText(*bytes));
+    const auto number = ByteArrayToNumber(*bytes);
     AssignNumber(result.CardID, number.value_or(0), CharCountCardID);
     if (!number) result.CardID.clear();
   }
