@@ -66,9 +66,10 @@ std::vector<CCardFrame> Reads(const Format& format) {
   for (const CCardData& card : Cards(format)) {
     CCardFrame frame(format.type, format.subType, "");
     const bool canEncode = std::string_view(format.name) != "Binary26";
-    frame.CardDataStruct(canEncode
-                             ? facade.CardFormat(format.type, format.subType)->MakeCardData(card)
-                             : MakeCardDataStruct(NumberToBytes(static_cast<double>(random() % 67108863 + 1)), false));
+    frame.CardDataStruct(
+        canEncode ? facade.CardFormat(format.type, format.subType)->MakeCardData(card)
+                  : MakeCardDataStruct(NumberToBytes(static_cast<double>(random() % 67108863 + 1)),
+                                       false));
     reads.push_back(frame);
   }
   return reads;

@@ -26,6 +26,10 @@ struct FieldParameters {
   ByteRange Index;
 };
 
+/// The facility code of the 37-bit layout, which HID Corporate 1000 announces as well.
+inline constexpr FieldParameters k37BitFacility = {
+    .Bits = 16, .Bytes = 3, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {1, 3}};
+
 /// What a format object holds when it is made. CardName starts as the default name, the character
 /// counts as the lengths of the masks, and CharCountTotal as their sum.
 struct FormatParameters {

@@ -27,8 +27,7 @@ constexpr FormatParameters kParameters = {
     .DefaultByte = 72,
     .BitCountTotal = 37,
     .ByteCountTotal = 5,
-    .Facility =
-        {.Bits = 16, .Bytes = 3, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {1, 3}},
+    .Facility = k37BitFacility,
     .CardID =
         {.Bits = 19, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "999999", .Index = {0, 1}},
     .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = -1, .Mask = "", .Index = kNoBytes},
