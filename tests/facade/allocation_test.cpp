@@ -1,5 +1,4 @@
 #include "tests/support/allocations.h"
-
 #include <vardel/core/card_frame.h>
 #include <vardel/core/enumerations.h>
 #include <vardel/facade/card.h>

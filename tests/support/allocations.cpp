@@ -1,8 +1,7 @@
 #include "tests/support/allocations.h"
 
-#include <new>
-
 #include <cstdlib>
+#include <new>
 
 namespace {
 std::size_t count = 0;

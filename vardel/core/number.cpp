@@ -118,8 +118,8 @@ void AssignNumber(std::string& text, std::uint64_t value, std::int16_t charCount
   if (charCount < 0) throw HostFault(Fault::InvalidCall);
   text.assign(static_cast<std::size_t>(charCount), '0');
   // As many digits as there are places, whatever the value: nothing to mispredict.
-  for (auto place = text.rbegin(); place != text.rend(); ++place) {
-    *place = static_cast<char>('0' + value % 10);
+  for (std::size_t place = text.size(); place > 0; --place) {
+    text[place - 1] = static_cast<char>('0' + value % 10);
     value /= 10;
   }
   if (value != 0 || text.empty()) text.insert(0, std::to_string(value));
