@@ -35,7 +35,7 @@ class CCardFormatInfo : public ErrorHolder {
   bool IsCardArrayReversed = false;
   bool IsSmartCard() const { return isSmartCard_; }
 
-  // Limits of the fields, both included.
+  // Limits of the fields, both included (Mifare UID leaves out MaxCardID itself).
   std::int16_t MinRevision = 0;
   double MinCardID = 0;
   double MinFacility = 0;
@@ -63,7 +63,7 @@ class CCardFormatInfo : public ErrorHolder {
   std::int16_t DefaultByte = 0;
   /// Shown for an empty position of a masked input.
   std::string PromptChar = "_";
-  /// Fills up a field's text.
+  /// The pad character of the format's texts; only the Woori Bank encoder fills a field with it.
   std::string DefaultChar;
   /// Built-in and current display name.
   std::string DefaultCardName;
@@ -103,8 +103,9 @@ class CCardFormatInfo : public ErrorHolder {
   vardel::CardDataStruct MakeCardData(const CCardData* CardData);
 
   /// Decodes a read. Content errors are recorded on the result; a blank read (all bytes 00 or all
-  /// FF) has empty fields and no error. The base gives nothing. Bytes that are no array and
-  /// malformed or short hexadecimal text are fault 13, a null frame is fault 91.
+  /// FF) has empty fields and no error. The base gives nothing. Malformed or short hexadecimal text
+  /// is fault 13, and so are bytes that are no array (to HID 34-bit they are a blank read); a null
+  /// frame is fault 91.
   std::optional<CCardData> AnalyzeCardData(const ICardFrame& UserInfo);
   std::optional<CCardData> AnalyzeCardData(const ICardFrame* UserInfo);
 
