@@ -80,6 +80,7 @@ TEST(NumberTest, WritesAllDigitsPlainlyFilledUpWithZeros) {
 TEST(NumberTest, TakesShortWaysToTheSameNumbers) {
   for (const std::uint64_t value : {0ULL, 1ULL, 255ULL, 256ULL, 65535ULL, 999999999999999ULL}) {
     const std::string digits = std::to_string(value);
+    EXPECT_EQ(ParseNumber(digits), ParseAnyNumber(digits));
     EXPECT_EQ(ParseNumber(digits), ParseNumber(digits + ".0"));
     EXPECT_EQ(ParseNumber(digits), ParseNumber(digits + "e0"));
     EXPECT_EQ(WholeNumber(static_cast<double>(value)), value);

@@ -60,9 +60,7 @@ std::optional<double> DecimalValue(std::string_view whole, std::string_view frac
 
 }  // namespace
 
-std::optional<double> ParseNumber(std::string_view text) {
-  if (std::int64_t digits = 0; ParseDigits(text, digits)) return static_cast<double>(digits);
-
+std::optional<double> ParseAnyNumber(std::string_view text) {
   constexpr std::string_view kSpace = " \t";
   std::string_view rest = text;
   while (TakeAnyOf(rest, kSpace) != 0) continue;
@@ -91,11 +89,6 @@ double RequireNumber(std::string_view text) {
   const std::optional<double> value = ParseNumber(text);
   if (!value) throw HostFault(Fault::TypeMismatch);
   return *value;
-}
-
-bool IsNumberWithin(std::string_view text, double min, double max) {
-  const std::optional<double> value = ParseNumber(text);
-  return value && min <= *value && *value <= max;
 }
 
 std::uint8_t ToByte(double value) {

@@ -23,18 +23,27 @@ inline bool ParseDigits(std::string_view text, std::int64_t& value) {
   return true;
 }
 
+/// ParseNumber without the short way.
+std::optional<double> ParseAnyNumber(std::string_view text);
+
 /// The value of a numeric text, or nothing when the text is not numeric. Numeric is: optional
 /// blanks or tabs; an optional sign; digits with at most one decimal point and at least one digit;
 /// an optional exponent (e, E, d or D, an optional sign, digits); optional blanks or tabs; and
 /// nothing else, whatever the locale. A value too large for a double is not numeric; one too small
 /// is 0.
-std::optional<double> ParseNumber(std::string_view text);
+inline std::optional<double> ParseNumber(std::string_view text) {
+  if (std::int64_t digits = 0; ParseDigits(text, digits)) return static_cast<double>(digits);
+  return ParseAnyNumber(text);
+}
 
 /// The value of a numeric text; any other text is fault 13.
 double RequireNumber(std::string_view text);
 
 /// `text` is numeric and its value lies within the limits, both included.
-bool IsNumberWithin(std::string_view text, double min, double max);
+inline bool IsNumberWithin(std::string_view text, double min, double max) {
+  const std::optional<double> value = ParseNumber(text);
+  return value && min <= *value && *value <= max;
+}
 
 /// The number as an integer when it is whole, not negative and below 2^53, where doubles and
 /// integers agree.

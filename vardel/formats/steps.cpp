@@ -19,7 +19,7 @@ bool Accept(CCardFormatInfo& format, std::string_view text, double min, double m
   bool isNumber = ParseDigits(text, field.whole);
   if (isNumber) {
     field.number = static_cast<double>(field.whole);
-  } else if (const auto number = ParseNumber(text)) {
+  } else if (const auto number = ParseAnyNumber(text)) {
     field.number = *number;
     isNumber = true;
   }
