@@ -121,6 +121,35 @@ TEST(Card, CarriesAFormatsErrorUntilSomeoneClearsIt) {
   EXPECT_EQ(wrong.ErrName(), "Incorrect Card ID") << "a result keeps its own error";
 }
 
+TEST(Card, KeepsTheErrorsOfAllEncodersButDongSeo) {
+  for (const CardFormatClass& row : CardFormatClasses()) {
+    SCOPED_TRACE(row.ClassName);
+    const auto format = row.Create();
+    CCardData card;
+    card.CardType = row.CardType;
+    card.CardSubType = static_cast<std::uint8_t>(row.CardSubType);
+    card.Facility = "1";
+    card.CardID = "12345678";
+    card.Revision = "12";
+    format->MakeErr(-1, "old");
+    FaultOf([&] { format->MakeCardData(card); });
+    const bool clears = row.ClassName == "CCardFormatDongSeo";
+    EXPECT_EQ(format->ErrNumber(), clears ? 0 : -1);
+    if (!format->IsSmartCard()) continue;
+    card.CardType = CARD_HID;
+    EXPECT_EQ(format->MakeCardData(card), CardDataStruct());
+    EXPECT_EQ(format->ErrName(), "Incorrect Card Type");
+  }
+  // A bad card number is recorded even where the revision then ends the call.
+  const auto dongSeo = CCard().CardFormatByCode(773);
+  CCardData card;
+  card.CardType = CARD_MIFARE;
+  card.CardSubType = CARD_SUB_MI_DONGSEO;
+  card.Revision = "5";
+  EXPECT_EQ(FaultOf([&] { dongSeo->MakeCardData(card); }), 5);
+  EXPECT_EQ(dongSeo->ErrName(), "Incorrect Card ID");
+}
+
 TEST(Card, DecodesByTheFramesPair) {
   const CCard facade;
   const CCardData card = facade.AnalyzeCardData(CCardFrame(2, 1, "020002020000"));
