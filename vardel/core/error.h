@@ -15,10 +15,10 @@ inline constexpr std::string_view kUnknownCardType = "Unknown Card Type";
 inline constexpr std::string_view kIncorrectCardType = "Incorrect Card Type";
 inline constexpr std::string_view kIncorrectFacilityCode = "Incorrect Facility Code";
 inline constexpr std::string_view kIncorrectCardID = "Incorrect Card ID";
-inline constexpr std::string_view kExceedLimit = "Wrong Card ID : Exceed Limit";
 inline constexpr std::string_view kTooSmallCardData = "Too Small Card Data";
 inline constexpr std::string_view kIncorrectByteCount = "Incorrect Byte Count";
-/// Reserved beside the others; no operation records it.
+/// Reserved beside the others; no operation comes to record them.
+inline constexpr std::string_view kExceedLimit = "Wrong Card ID : Exceed Limit";
 inline constexpr std::string_view kIncorrectCardRevision = "Incorrect Card Revision";
 }  // namespace message
 

@@ -84,13 +84,6 @@ std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count
       weight * fields.facility.number + (fields.cardID.number + fields.cardID.number), count);
 }
 
-CardDataStruct MakeRecord(CCardFormatInfo& format, std::span<const std::uint8_t> bytes) {
-  std::array<std::uint8_t, sizeof(CardDataStruct)> wide{};
-  if (bytes.size() > wide.size() + 1) return Reject(format, message::kExceedLimit);
-  std::ranges::copy(bytes.first(std::min(bytes.size(), wide.size())), wide.begin());
-  return MakeCardDataStruct(wide, format.IsCardArrayReversed);
-}
-
 void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record) {
   std::ranges::copy(BytesOf(value), record.Bytes.begin());
   if (format.IsCardArrayReversed) record = MakeCardDataStruct(record.Bytes, true);

@@ -105,10 +105,9 @@ void CheckConversion(const Field& field);
 /// as the fields are; whole fields whose sum is exact take the short way.
 std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count);
 
-/// Closes an encode: the bytes, widened to a full record and turned around when
-/// `IsCardArrayReversed` says so. More bytes than a record can index are rejected.
-CardDataStruct MakeRecord(CCardFormatInfo& format, std::span<const std::uint8_t> bytes);
-/// The same for a card value of up to 8 bytes.
+/// Closes an encode: the bytes of the card value, widened to a full record and turned around when
+/// `IsCardArrayReversed` says so. A value of 8 bytes cannot exceed the record, so the message for
+/// that is never recorded.
 void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record);
 
 // --- decode ---
