@@ -34,9 +34,7 @@ constexpr FormatParameters kParameters = {
 
 }  // namespace
 
-CCardFormatBinary26::CCardFormatBinary26() : CCardFormatInfo(kParameters) {}
-
-bool CCardFormatBinary26::IsFacilityValid(std::string_view /*InData*/) const { return true; }
+CCardFormatBinary26::CCardFormatBinary26() : FacilitylessFormat(kParameters) {}
 
 bool CCardFormatBinary26::IsCardIDValid(std::string_view /*InData*/) const { return true; }
 

@@ -43,9 +43,7 @@ constexpr characters::Place Backwards(int start, int count) {
 
 }  // namespace
 
-CCardFormatDongSeo::CCardFormatDongSeo() : CCardFormatInfo(kParameters) {}
-
-bool CCardFormatDongSeo::IsFacilityValid(std::string_view /*InData*/) const { return true; }
+CCardFormatDongSeo::CCardFormatDongSeo() : FacilitylessFormat(kParameters) {}
 
 bool CCardFormatDongSeo::IsCardIDValid(std::string_view InData) const {
   const std::string_view text = TrimBlanks(InData);

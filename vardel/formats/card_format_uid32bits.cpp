@@ -36,9 +36,7 @@ constexpr FormatParameters kParameters = {
 
 }  // namespace
 
-CCardFormatUID32BIts::CCardFormatUID32BIts() : CCardFormatInfo(kParameters) {}
-
-bool CCardFormatUID32BIts::IsFacilityValid(std::string_view /*InData*/) const { return true; }
+CCardFormatUID32BIts::CCardFormatUID32BIts() : FacilitylessFormat(kParameters) {}
 
 bool CCardFormatUID32BIts::IsCardIDValid(std::string_view InData) const {
   const auto value = ParseNumber(InData);

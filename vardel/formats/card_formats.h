@@ -32,6 +32,16 @@ class LimitCheckedFormat : public CCardFormatInfo {
   using CCardFormatInfo::CCardFormatInfo;
 };
 
+/// A format of cards without a facility code.
+class FacilitylessFormat : public CCardFormatInfo {
+ public:
+  /// True for every text.
+  bool IsFacilityValid(std::string_view InData) const override;
+
+ protected:
+  using CCardFormatInfo::CCardFormatInfo;
+};
+
 /// A smart-card format whose fields lie on the card as text, one Windows-1252 character per byte.
 /// Decoded cards carry type 0; their fields are not trimmed, and a zero byte reads as a blank.
 class TextFormat : public CCardFormatInfo, public RevisionValidator {
@@ -75,11 +85,10 @@ class CCardFormatHIDStandard final : public LimitCheckedFormat {
 
 /// HID full binary 26-bit: the whole value is the card number (1..67108863). It only decodes: every
 /// accepted number ends MakeCardData in fault 9. Decoded cards carry type 0.
-class CCardFormatBinary26 final : public CCardFormatInfo {
+class CCardFormatBinary26 final : public FacilitylessFormat {
  public:
   CCardFormatBinary26();
-  /// True for every text, as is IsCardIDValid.
-  bool IsFacilityValid(std::string_view InData) const override;
+  /// True for every text: the encode itself tests the number.
   bool IsCardIDValid(std::string_view InData) const override;
 
  private:
@@ -127,13 +136,12 @@ class CCardFormat34Bits final : public LimitCheckedFormat, public RevisionValida
 /// Mifare 32-bit UID: the card number is the UID; there is no facility code and no revision. An
 /// encode checks no range: the number is taken modulo 2^32, a negative one is fault 6, text that is
 /// not numeric is fault 13. A read needs 16 bytes, of which 4 count.
-class CCardFormatUID32BIts final : public CCardFormatInfo, public RevisionValidator {
+class CCardFormatUID32BIts final : public FacilitylessFormat, public RevisionValidator {
  public:
   CCardFormatUID32BIts();
-  /// True for every text, as is IsRevisionValid.
-  bool IsFacilityValid(std::string_view InData) const override;
   /// The text is numeric and MinCardID <= value < MaxCardID: the upper limit is not included.
   bool IsCardIDValid(std::string_view InData) const override;
+  /// True for every text.
   bool IsRevisionValid(std::string_view InData) const override;
 
  private:
@@ -145,11 +153,9 @@ class CCardFormatUID32BIts final : public CCardFormatInfo, public RevisionValida
 /// the error pair first; a bad card number is recorded and the record still made, a bad revision is
 /// silently left out, a revision of one character is fault 5. It decodes the raw bytes, not their
 /// text; a read of 9 bytes is fault 9.
-class CCardFormatDongSeo final : public CCardFormatInfo, public RevisionValidator {
+class CCardFormatDongSeo final : public FacilitylessFormat, public RevisionValidator {
  public:
   CCardFormatDongSeo();
-  /// True for every text.
-  bool IsFacilityValid(std::string_view InData) const override;
   /// Trimmed, the text has 1 to CharCountCardID characters and is not a zero. Letters are valid.
   bool IsCardIDValid(std::string_view InData) const override;
   /// The text is numeric and MinRevision <= value <= MaxRevision.
