@@ -24,7 +24,7 @@
 /// Instead of its normal answer a case may give `fault NUMBER` or `error MESSAGE`; for an encode
 /// the bytes of the record may follow the message (all zero otherwise), for a decode the normal
 /// answer. BYTES are hexadecimal digits, 'ASCII' characters and XX*COUNT in any mix; a record's
-/// remaining bytes are zero. Texts stand in double quotes, with \uXXXX for other characters. Every
+/// remaining bytes are zero. Texts stand in double quotes, with \uHHHH for other characters. Every
 /// case starts with a new format object.
 namespace vardel {
 
