@@ -72,7 +72,7 @@ Keys KeysOf(const std::wstring& kind, REFGUID id = {}, const std::string& name =
       {L"@LIBRARY", Text(LIBID_Vardel)},
       {L"@ID", Text(id)},
       {L"@NAME", Wide(name)}};
-  std::wifstream file(VARDEL_SERVER_DATA "/registry_keys.txt");
+  std::wifstream file(VARDEL_TESTS "/server/registry_keys.txt");
   Keys keys;
   for (std::wstring word, line; file >> word && std::getline(file >> std::ws, line);) {
     for (const auto& [field, value] : fields) {

@@ -1,30 +1,40 @@
 #include "tests/server/server.h"
 
-#include <vector>
-
 namespace vardel::server {
 
 HINSTANCE moduleInstance = nullptr;
 
-CLSID ClassId(const std::wstring& className) {
+namespace {
+
+/// The classes whose name is `name`, or all.
+std::vector<CLSID> FindClasses(const std::wstring& name) {
   ComPtr<ITypeLib> library;
-  ComPtr<ITypeInfo> info;
-  MEMBERID member = MEMBERID_NIL;
-  USHORT count = 1;
-  std::wstring name = className;
-  TYPEATTR* attributes = nullptr;
-  if (FAILED(LoadTypeLibEx(L"vardel.dll", REGKIND_NONE, library.out())) ||
-      FAILED(library->FindName(name.data(), 0, info.out(), &member, &count)) || !info ||
-      FAILED(info->GetTypeAttr(&attributes))) {
-    throw std::runtime_error("no such class");
+  if (FAILED(LoadTypeLibEx(L"vardel.dll", REGKIND_NONE, library.out()))) return {};
+  std::vector<CLSID> ids;
+  for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
+    ComPtr<ITypeInfo> info;
+    TYPEATTR* attributes = nullptr;
+    BSTR own = nullptr;
+    library->GetTypeInfo(i, info.out());
+    info->GetTypeAttr(&attributes);
+    library->GetDocumentation(static_cast<INT>(i), &own, nullptr, nullptr, nullptr);
+    if (attributes->typekind == TKIND_COCLASS && (name.empty() || name == own)) {
+      ids.push_back(attributes->guid);
+    }
+    SysFreeString(own);
+    info->ReleaseTypeAttr(attributes);
   }
-  const CLSID id = attributes->guid;
-  info->ReleaseTypeAttr(attributes);
-  return id;
+  return ids;
 }
 
+}  // namespace
+
+CLSID ClassId(const std::wstring& className) { return FindClasses(className).at(0); }
+
+std::vector<CLSID> ClassIds() { return FindClasses(L""); }
+
 Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
-             std::initializer_list<VARIANT*> arguments, VARIANT* result) {
+             const std::vector<VARIANT*>& arguments, VARIANT* result) {
   Outcome outcome;
   DISPID id = DISPID_UNKNOWN;
   auto* text = const_cast<wchar_t*>(name.c_str());
@@ -32,7 +42,7 @@ Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
   if (FAILED(outcome.status)) return outcome;
 
   std::vector<VARIANT> reversed;
-  for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument) {
+  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
     VARIANT reference{};
     reference.vt = VT_BYREF | VT_VARIANT;
     reference.pvarVal = *argument;

@@ -4,9 +4,9 @@
 
 #include <vardel_idl.h>
 
-#include <initializer_list>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 /// The DLL beside the test program, asked for its classes without any registry.
 namespace vardel::server {
@@ -49,16 +49,19 @@ class ServerModule {
 /// The class of a name, from the type library of the DLL.
 CLSID ClassId(const std::wstring& className);
 
+/// All classes that the type library says can be created.
+std::vector<CLSID> ClassIds();
+
 /// What a late-bound call came to.
 struct Outcome {
   HRESULT status = S_OK;  // what Invoke returned
   long fault = 0;         // of an exception: its number, 0x800A0000 taken off where it is a fault
-  std::wstring description;
-  std::wstring source;
+  std::wstring description = {};
+  std::wstring source = {};
 };
 
 /// Late-bound calls as script engines make them: every argument is a variant by reference.
 Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
-             std::initializer_list<VARIANT*> arguments, VARIANT* result);
+             const std::vector<VARIANT*>& arguments, VARIANT* result);
 
 }  // namespace vardel::server

@@ -112,7 +112,7 @@ std::pair<std::string, std::string> Block(const Info& info, const TYPEATTR& type
 }
 
 Blocks ExpectedBlocks() {
-  std::ifstream file(VARDEL_SERVER_DATA "/interfaces.txt");
+  std::ifstream file(VARDEL_TESTS "/server/interfaces.txt");
   Blocks blocks;
   for (std::string line, header; std::getline(file, line);) {
     if (line.empty() || line.starts_with('#')) {

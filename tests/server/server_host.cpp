@@ -1,0 +1,310 @@
+#include "tests/server/server_host.h"
+
+#include <vardel/core/hex.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <span>
+
+namespace vardel::server {
+namespace {
+
+ComPtr<ITypeInfo> Referred(ITypeInfo* info, HREFTYPE reference) {
+  ComPtr<ITypeInfo> referred;
+  info->GetRefTypeInfo(reference, referred.out());
+  return referred;
+}
+
+TYPEATTR AttributesOf(ITypeInfo* info) {
+  TYPEATTR* lent = nullptr;
+  info->GetTypeAttr(&lent);
+  const TYPEATTR attributes = *lent;
+  info->ReleaseTypeAttr(lent);
+  return attributes;
+}
+
+std::string NameOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
+  BSTR name = nullptr;
+  info->GetDocumentation(member, &name, nullptr, nullptr, nullptr);
+  const std::string text = Utf8(name);
+  SysFreeString(name);
+  return text;
+}
+
+/// The kind of an automation type: of what a pointer leads to, with the record's or interface's
+/// kind.
+struct Type {
+  VARTYPE vt;
+  int pointers = 0;
+  bool isRecord = false;
+};
+Type TypeOf(ITypeInfo* info, const TYPEDESC* type) {
+  int pointers = 0;
+  for (; type->vt == VT_PTR; type = type->lptdesc) ++pointers;
+  if (type->vt != VT_USERDEFINED) return {type->vt, pointers};
+  switch (AttributesOf(Referred(info, type->hreftype).get()).typekind) {
+    case TKIND_ENUM:
+      return {VT_I4, pointers};
+    case TKIND_RECORD:
+      return {VT_RECORD, pointers, true};
+    default:
+      return {VT_DISPATCH, pointers - 1};
+  }
+}
+
+void PassPointer(VARIANT& passed, void* pointer) {
+  passed.vt = sizeof(void*) == 8 ? VT_I8 : VT_I4;
+  passed.byref = pointer;
+}
+
+/// What an array in a variant holds.
+template <class T>
+std::span<T> Elements(const VARIANT& value) {
+  return {static_cast<T*>(value.parray->pvData), value.parray->rgsabound[0].cElements};
+}
+
+}  // namespace
+
+std::vector<DualInterface> InterfacesOf(IDispatch* object) {
+  ComPtr<ITypeInfo> own;
+  ComPtr<ITypeLib> library;
+  UINT index = 0;
+  object->GetTypeInfo(0, 0, own.out());
+  own->GetContainingTypeLib(library.out(), &index);
+  std::vector<DualInterface> interfaces;
+  for (UINT i = library->GetTypeInfoCount(); i-- > 0;) {
+    ComPtr<ITypeInfo> info;
+    ComPtr<IUnknown> implemented;
+    HREFTYPE vtable = 0;
+    library->GetTypeInfo(i, info.out());
+    const IID id = AttributesOf(info.get()).guid;
+    if (FAILED(info->GetRefTypeOfImplType(static_cast<UINT>(-1), &vtable)) ||
+        FAILED(object->QueryInterface(id, reinterpret_cast<void**>(implemented.out())))) {
+      continue;
+    }
+    interfaces.push_back({NameOf(info.get()), id, Referred(info.get(), vtable)});
+  }
+  return interfaces;
+}
+
+void ForEachOperation(const DualInterface& dual, const VisitOperation& visit) {
+  for (UINT i = 0; i < AttributesOf(dual.info.get()).cFuncs; ++i) {
+    FUNCDESC* operation = nullptr;
+    dual.info->GetFuncDesc(i, &operation);
+    visit(*operation, NameOf(dual.info.get(), operation->memid));
+    dual.info->ReleaseFuncDesc(operation);
+  }
+}
+
+HRESULT CallVtable(IDispatch* object, const DualInterface& dual, const FUNCDESC& operation,
+                   const std::vector<VARIANT*>& arguments, VARIANT* result) {
+  std::deque<Variant> converted;
+  std::vector<VARIANT> passed;
+  ::CardDataStruct record{};
+  VARTYPE resultType = VT_EMPTY;
+  for (int i = 0; i < operation.cParams; ++i) {
+    const ELEMDESC& parameter = operation.lprgelemdescParam[i];
+    const Type type = TypeOf(dual.info.get(), &parameter.tdesc);
+    VARIANT& slot = passed.emplace_back(VARIANT{});
+    if ((parameter.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
+      resultType = type.vt;
+      void* const place = type.isRecord           ? record.Bytes
+                          : type.vt == VT_VARIANT ? static_cast<void*>(result)
+                                                  : &result->byref;
+      PassPointer(slot, result == nullptr ? nullptr : place);
+      continue;
+    }
+    VARIANT* const argument =
+        static_cast<std::size_t>(i) < arguments.size() ? arguments[i] : nullptr;
+    if (argument == nullptr || argument->vt == VT_ERROR) {
+      if (type.pointers > 0 || type.vt == VT_DISPATCH)
+        PassPointer(slot, nullptr);
+      else
+        slot.vt = type.vt;
+      continue;
+    }
+    Variant& value = converted.emplace_back();
+    if (FAILED(type.isRecord ? VariantCopy(&value, argument)
+                             : VariantChangeType(&value, argument, 0, type.vt))) {
+      ADD_FAILURE() << "a compiled host cannot pass such an argument";
+      return E_INVALIDARG;
+    }
+    if (type.isRecord)
+      PassPointer(slot, value.pvRecord);
+    else if (type.pointers > 0)
+      PassPointer(slot, &value.byref);
+    else
+      slot = value;
+  }
+
+  std::vector<VARTYPE> types;
+  std::vector<VARIANT*> places;
+  for (VARIANT& slot : passed) {
+    types.push_back(slot.vt);
+    places.push_back(&slot);
+  }
+  ComPtr<IUnknown> instance;
+  object->QueryInterface(dual.id, reinterpret_cast<void**>(instance.out()));
+  VARIANT status{};
+  const HRESULT called = DispCallFunc(
+      instance.get(), static_cast<ULONG_PTR>(operation.oVft), operation.callconv, VT_ERROR,
+      static_cast<UINT>(passed.size()), types.data(), places.data(), &status);
+  EXPECT_EQ(called, S_OK);
+  if (FAILED(status.scode) || result == nullptr) return status.scode;
+  if (resultType == VT_RECORD) {
+    // The server's own kind of record is had from a raw card.
+    const ServerModule module;
+    const auto raw = module.Create<::_CCardByteData>(CLSID_CCardByteData);
+    raw->put_CardDataStruct(&record);
+    return Call(raw.get(), L"CardDataStruct", DISPATCH_PROPERTYGET, {}, result).status;
+  }
+  if (resultType != VT_VARIANT) result->vt = resultType;
+  return status.scode;
+}
+
+void ServerHost::New(const std::string& name, const std::string& className) {
+  Variant& value = values_[name];
+  VariantClear(&value);
+  value.pdispVal = module_.Create<IDispatch>(ClassId(Wide(className))).Detach();
+  value.vt = VT_DISPATCH;
+}
+
+void ServerHost::Fill(Variant& value, const Word& word) {
+  const auto& [text, isText] = word;
+  if (isText) {
+    value.vt = VT_BSTR;
+    value.bstrVal = NewBstr(text);
+  } else if (const auto known = values_.find(text); known != values_.end()) {
+    VariantCopy(&value, &known->second);
+  } else if (text == "True" || text == "False") {
+    value.vt = VT_BOOL;
+    value.boolVal = text == "True" ? VARIANT_TRUE : VARIANT_FALSE;
+  } else if (text == "nothing") {
+    value.vt = VT_DISPATCH;
+  } else if (text == "missing") {
+    value.vt = VT_ERROR;
+    value.scode = DISP_E_PARAMNOTFOUND;
+  } else {
+    value.vt = VT_R8;
+    value.dblVal = std::stod(text);
+  }
+}
+
+Outcome ServerHost::RunLate(const vardel::Call& call, const std::vector<VARIANT*>& arguments,
+                            VARIANT* result) {
+  IDispatch* const object = values_.at(call.object).pdispVal;
+  WORD flags = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+  if (call.isPut) {
+    const bool isObject = arguments.back()->vt == VT_DISPATCH;
+    flags = isObject ? DISPATCH_PROPERTYPUTREF : DISPATCH_PROPERTYPUT;
+  } else {
+    const Outcome prefixed =
+        Call(object, Wide("CCardFormatInfo_" + call.member), flags, arguments, result);
+    if (prefixed.status != DISP_E_UNKNOWNNAME) return prefixed;
+  }
+  return Call(object, Wide(call.member), flags, arguments, call.isPut ? nullptr : result);
+}
+
+Outcome ServerHost::RunEarly(const vardel::Call& call, const std::vector<VARIANT*>& arguments,
+                             VARIANT* result) {
+  IDispatch* const object = values_.at(call.object).pdispVal;
+  const int kinds =
+      call.isPut ? INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF : INVOKE_FUNC | INVOKE_PROPERTYGET;
+  Outcome outcome{DISP_E_UNKNOWNNAME};
+  for (const DualInterface& dual : InterfacesOf(object)) {
+    ForEachOperation(dual, [&](const FUNCDESC& operation, const std::string& name) {
+      if (outcome.status == DISP_E_UNKNOWNNAME && (operation.invkind & kinds) != 0 &&
+          (name == call.member || name == "CCardFormatInfo_" + call.member)) {
+        outcome.status = CallVtable(object, dual, operation, arguments, result);
+      }
+    });
+  }
+  ComPtr<IErrorInfo> error;
+  if (SUCCEEDED(outcome.status) || GetErrorInfo(0, error.out()) != S_OK) return outcome;
+  BSTR source = nullptr, description = nullptr;
+  error->GetSource(&source);
+  error->GetDescription(&description);
+  outcome = {DISP_E_EXCEPTION, outcome.status & 0xFFFF, Wide(Utf8(description)),
+             Wide(Utf8(source))};
+  SysFreeString(source);
+  SysFreeString(description);
+  return outcome;
+}
+
+std::string ServerHost::Run(const vardel::Call& call) {
+  std::deque<Variant> values;
+  std::vector<VARIANT*> arguments;
+  for (const Word& word : call.arguments) {
+    Fill(values.emplace_back(), word);
+    arguments.push_back(&values.back());
+  }
+  Variant result;
+  const Outcome outcome = binding_ == Binding::Late ? RunLate(call, arguments, &result)
+                                                    : RunEarly(call, arguments, &result);
+  if (outcome.status == DISP_E_EXCEPTION) {
+    EXPECT_TRUE(outcome.source.starts_with(L"Vardel.C")) << Utf8(outcome.source);
+    EXPECT_FALSE(outcome.description.empty());
+    return "fault " + std::to_string(outcome.fault);
+  }
+  if (FAILED(outcome.status)) return "status " + std::to_string(outcome.status & 0xFFFF);
+  if (!call.keepAs.empty()) VariantCopy(&values_[call.keepAs], &result);
+  return Show(result);
+}
+
+std::string ServerHost::Show(VARIANT& value) const {
+  std::string text;
+  switch (value.vt) {
+    case VT_EMPTY:
+      return "";
+    case VT_BSTR:
+      return ShowText(Utf8(value.bstrVal));
+    case VT_BOOL:
+      return value.boolVal == VARIANT_TRUE ? "True" : "False";
+    case VT_DISPATCH:
+      for (const auto& [name, known] : values_) {
+        if (known.vt == VT_DISPATCH && known.pdispVal == value.pdispVal) return name;
+      }
+      return value.pdispVal == nullptr ? "nothing" : "an object";
+    case VT_RECORD:
+      return ShowRecord({static_cast<std::uint8_t*>(value.pvRecord), 32});
+    case VT_ARRAY | VT_UI1:
+      return HexText(Elements<std::uint8_t>(value));
+    case VT_ARRAY | VT_VARIANT:
+      for (VARIANT& each : Elements<VARIANT>(value)) text += (text.empty() ? "" : " ") + Show(each);
+      return text;
+    default:
+      Variant number;
+      EXPECT_EQ(VariantChangeType(&number, &value, 0, VT_R8), S_OK) << "of type " << value.vt;
+      return ShowNumber(number.dblVal);
+  }
+}
+
+int ServerHost::FrameKinds(const FrameData& data) const {
+  // Our own frame's text and bytes always agree.
+  return data.bytes && HexText(*data.bytes) == data.hex ? 3 : 2;
+}
+
+void ServerHost::NewFrame(const std::string& name, const FrameData& data, int kind) {
+  if (kind == 2) {
+    New(name, "CCardFrame");
+    Run({name, "RawCardHex", {{data.hex, true}}, true});
+    return;
+  }
+  HostFrame& frame = frames_.emplace_back();
+  frame.bytes = data.bytes;
+  frame.hex = Wide(data.hex);
+  Variant& value = values_[name];
+  VariantClear(&value);
+  value.vt = VT_DISPATCH;
+  value.pdispVal = kind == 0 ? &frame : frame.ByNames().Detach();
+}
+
+void ServerHost::Reset() {
+  values_.clear();
+  frames_.clear();
+  SetErrorInfo(0, nullptr);
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK) << "an object is left";
+}
+
+}  // namespace vardel::server
