@@ -29,7 +29,8 @@ std::string TestName(const testing::TestParamInfo<std::tuple<std::string, Bindin
 }
 const auto kBothBindings = testing::Values(Binding::Late, Binding::Early);
 INSTANTIATE_TEST_SUITE_P(Formats, ServerCases,
-                         testing::Combine(testing::ValuesIn(CaseFiles("cases/formats")), kBothBindings),
+                         testing::Combine(testing::ValuesIn(CaseFiles("cases/formats")),
+                                          kBothBindings),
                          TestName);
 INSTANTIATE_TEST_SUITE_P(Classes, ServerCases,
                          testing::Combine(testing::ValuesIn(CaseFiles("cases/classes")),

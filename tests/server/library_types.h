@@ -2,6 +2,7 @@
 
 #include "tests/server/server.h"
 
+#include <map>
 #include <vector>
 
 /// The types of the DLL's type library.
@@ -20,6 +21,25 @@ std::string Name(const auto& source, MEMBERID member = MEMBERID_NIL) {
   return text;
 }
 
+inline TYPEATTR AttributesOf(const ComPtr<ITypeInfo>& info) {
+  TYPEATTR* lent = nullptr;
+  Require(info->GetTypeAttr(&lent));
+  const TYPEATTR attributes = *lent;
+  info->ReleaseTypeAttr(lent);
+  return attributes;
+}
+inline ComPtr<ITypeInfo> Referred(const ComPtr<ITypeInfo>& info, HREFTYPE reference) {
+  ComPtr<ITypeInfo> referred;
+  Require(info->GetRefTypeInfo(reference, referred.out()));
+  return referred;
+}
+/// Of a dual interface, which the library lists by its dispatch side, -1 is the vtable side.
+inline ComPtr<ITypeInfo> Implemented(const ComPtr<ITypeInfo>& info, int index) {
+  HREFTYPE reference = 0;
+  Require(info->GetRefTypeOfImplType(static_cast<UINT>(index), &reference));
+  return Referred(info, reference);
+}
+
 struct LibraryType {
   ComPtr<ITypeInfo> info;
   TYPEATTR attributes{};
@@ -35,13 +55,19 @@ inline std::vector<LibraryType> LibraryTypes() {
   const auto library = TypeLibrary();
   std::vector<LibraryType> types(library->GetTypeInfoCount());
   for (UINT i = 0; auto& [info, attributes] : types) {
-    TYPEATTR* lent = nullptr;
     Require(library->GetTypeInfo(i++, info.out()));
-    Require(info->GetTypeAttr(&lent));
-    attributes = *lent;
-    info->ReleaseTypeAttr(lent);
+    attributes = AttributesOf(info);
   }
   return types;
+}
+
+/// The classes that can be created, by their names.
+inline std::map<std::string, CLSID> LibraryClasses() {
+  std::map<std::string, CLSID> classes;
+  for (const auto& [info, attributes] : LibraryTypes()) {
+    if (attributes.typekind == TKIND_COCLASS) classes[Name(info)] = attributes.guid;
+  }
+  return classes;
 }
 
 }  // namespace vardel::server

@@ -4,35 +4,6 @@ namespace vardel::server {
 
 HINSTANCE moduleInstance = nullptr;
 
-namespace {
-
-/// The classes whose name is `name`, or all.
-std::vector<CLSID> FindClasses(const std::wstring& name) {
-  ComPtr<ITypeLib> library;
-  if (FAILED(LoadTypeLibEx(L"vardel.dll", REGKIND_NONE, library.out()))) return {};
-  std::vector<CLSID> ids;
-  for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
-    ComPtr<ITypeInfo> info;
-    TYPEATTR* attributes = nullptr;
-    BSTR own = nullptr;
-    library->GetTypeInfo(i, info.out());
-    info->GetTypeAttr(&attributes);
-    library->GetDocumentation(static_cast<INT>(i), &own, nullptr, nullptr, nullptr);
-    if (attributes->typekind == TKIND_COCLASS && (name.empty() || name == own)) {
-      ids.push_back(attributes->guid);
-    }
-    SysFreeString(own);
-    info->ReleaseTypeAttr(attributes);
-  }
-  return ids;
-}
-
-}  // namespace
-
-CLSID ClassId(const std::wstring& className) { return FindClasses(className).at(0); }
-
-std::vector<CLSID> ClassIds() { return FindClasses(L""); }
-
 Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
              const std::vector<VARIANT*>& arguments, VARIANT* result) {
   Outcome outcome;

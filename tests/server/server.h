@@ -46,12 +46,6 @@ class ServerModule {
   HMODULE module_;
 };
 
-/// The class of a name, from the type library of the DLL.
-CLSID ClassId(const std::wstring& className);
-
-/// All classes that the type library says can be created.
-std::vector<CLSID> ClassIds();
-
 /// What a late-bound call came to.
 struct Outcome {
   HRESULT status = S_OK;  // what Invoke returned

@@ -1,5 +1,6 @@
 #include "tests/server/server_host.h"
 
+#include "tests/server/library_types.h"
 #include <vardel/core/hex.h>
 
 #include <gtest/gtest.h>
@@ -10,52 +11,30 @@
 namespace vardel::server {
 namespace {
 
-ComPtr<ITypeInfo> Referred(ITypeInfo* info, HREFTYPE reference) {
-  ComPtr<ITypeInfo> referred;
-  info->GetRefTypeInfo(reference, referred.out());
-  return referred;
-}
-
-TYPEATTR AttributesOf(ITypeInfo* info) {
-  TYPEATTR* lent = nullptr;
-  info->GetTypeAttr(&lent);
-  const TYPEATTR attributes = *lent;
-  info->ReleaseTypeAttr(lent);
-  return attributes;
-}
-
-std::string NameOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
-  BSTR name = nullptr;
-  info->GetDocumentation(member, &name, nullptr, nullptr, nullptr);
-  const std::string text = Utf8(name);
-  SysFreeString(name);
-  return text;
-}
-
-/// The kind of an automation type: of what a pointer leads to, with the record's or interface's
-/// kind.
+/// What an automation type is: of a pointer, what it leads to.
 struct Type {
   VARTYPE vt;
   int pointers = 0;
-  bool isRecord = false;
 };
-Type TypeOf(ITypeInfo* info, const TYPEDESC* type) {
+Type TypeOf(const ComPtr<ITypeInfo>& info, const TYPEDESC* type) {
   int pointers = 0;
   for (; type->vt == VT_PTR; type = type->lptdesc) ++pointers;
   if (type->vt != VT_USERDEFINED) return {type->vt, pointers};
-  switch (AttributesOf(Referred(info, type->hreftype).get()).typekind) {
+  switch (AttributesOf(Referred(info, type->hreftype)).typekind) {
     case TKIND_ENUM:
       return {VT_I4, pointers};
     case TKIND_RECORD:
-      return {VT_RECORD, pointers, true};
+      return {VT_RECORD, pointers};
     default:
       return {VT_DISPATCH, pointers - 1};
   }
 }
 
-void PassPointer(VARIANT& passed, void* pointer) {
+VARIANT Pointer(void* pointer) {
+  VARIANT passed{};
   passed.vt = sizeof(void*) == 8 ? VT_I8 : VT_I4;
   passed.byref = pointer;
+  return passed;
 }
 
 /// What an array in a variant holds.
@@ -67,95 +46,68 @@ std::span<T> Elements(const VARIANT& value) {
 }  // namespace
 
 std::vector<DualInterface> InterfacesOf(IDispatch* object) {
-  ComPtr<ITypeInfo> own;
-  ComPtr<ITypeLib> library;
-  UINT index = 0;
-  object->GetTypeInfo(0, 0, own.out());
-  own->GetContainingTypeLib(library.out(), &index);
+  static const std::vector<LibraryType> types = LibraryTypes();
   std::vector<DualInterface> interfaces;
-  for (UINT i = library->GetTypeInfoCount(); i-- > 0;) {
-    ComPtr<ITypeInfo> info;
+  for (const auto& [info, attributes] : types) {
     ComPtr<IUnknown> implemented;
-    HREFTYPE vtable = 0;
-    library->GetTypeInfo(i, info.out());
-    const IID id = AttributesOf(info.get()).guid;
-    if (FAILED(info->GetRefTypeOfImplType(static_cast<UINT>(-1), &vtable)) ||
-        FAILED(object->QueryInterface(id, reinterpret_cast<void**>(implemented.out())))) {
-      continue;
+    if (attributes.typekind == TKIND_DISPATCH &&
+        object->QueryInterface(attributes.guid, reinterpret_cast<void**>(implemented.out())) ==
+            S_OK) {
+      interfaces.insert(interfaces.begin(), {Name(info), attributes.guid, Implemented(info, -1)});
     }
-    interfaces.push_back({NameOf(info.get()), id, Referred(info.get(), vtable)});
   }
   return interfaces;
 }
 
 void ForEachOperation(const DualInterface& dual, const VisitOperation& visit) {
-  for (UINT i = 0; i < AttributesOf(dual.info.get()).cFuncs; ++i) {
-    FUNCDESC* operation = nullptr;
-    dual.info->GetFuncDesc(i, &operation);
-    visit(*operation, NameOf(dual.info.get(), operation->memid));
+  FUNCDESC* operation = nullptr;
+  for (UINT i = 0; SUCCEEDED(dual.info->GetFuncDesc(i, &operation)); ++i) {
+    visit(*operation, Name(dual.info, operation->memid));
     dual.info->ReleaseFuncDesc(operation);
   }
 }
 
 HRESULT CallVtable(IDispatch* object, const DualInterface& dual, const FUNCDESC& operation,
                    const std::vector<VARIANT*>& arguments, VARIANT* result) {
-  std::deque<Variant> converted;
-  std::vector<VARIANT> passed;
-  ::CardDataStruct record{};
-  VARTYPE resultType = VT_EMPTY;
-  for (int i = 0; i < operation.cParams; ++i) {
-    const ELEMDESC& parameter = operation.lprgelemdescParam[i];
-    const Type type = TypeOf(dual.info.get(), &parameter.tdesc);
-    VARIANT& slot = passed.emplace_back(VARIANT{});
-    if ((parameter.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
-      resultType = type.vt;
-      void* const place = type.isRecord           ? record.Bytes
-                          : type.vt == VT_VARIANT ? static_cast<void*>(result)
-                                                  : &result->byref;
-      PassPointer(slot, result == nullptr ? nullptr : place);
-      continue;
-    }
-    VARIANT* const argument =
-        static_cast<std::size_t>(i) < arguments.size() ? arguments[i] : nullptr;
-    if (argument == nullptr || argument->vt == VT_ERROR) {
-      if (type.pointers > 0 || type.vt == VT_DISPATCH)
-        PassPointer(slot, nullptr);
-      else
-        slot.vt = type.vt;
-      continue;
-    }
-    Variant& value = converted.emplace_back();
-    if (FAILED(type.isRecord ? VariantCopy(&value, argument)
-                             : VariantChangeType(&value, argument, 0, type.vt))) {
-      ADD_FAILURE() << "a compiled host cannot pass such an argument";
-      return E_INVALIDARG;
-    }
-    if (type.isRecord)
-      PassPointer(slot, value.pvRecord);
-    else if (type.pointers > 0)
-      PassPointer(slot, &value.byref);
-    else
-      slot = value;
-  }
-
+  std::deque<Variant> values;
+  std::deque<VARIANT> passed;
   std::vector<VARTYPE> types;
   std::vector<VARIANT*> places;
-  for (VARIANT& slot : passed) {
-    types.push_back(slot.vt);
-    places.push_back(&slot);
+  ::CardDataStruct record{};
+  VARTYPE resultType = VT_EMPTY;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(operation.cParams); ++i) {
+    const ELEMDESC& parameter = operation.lprgelemdescParam[i];
+    const auto [type, pointers] = TypeOf(dual.info, &parameter.tdesc);
+    Variant& value = values.emplace_back();
+    if ((parameter.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
+      resultType = type;
+      void* place = result == nullptr ? nullptr : &result->byref;
+      if (place != nullptr && type == VT_VARIANT) place = result;
+      if (place != nullptr && type == VT_RECORD) place = record.Bytes;
+      passed.push_back(Pointer(place));
+    } else if (i >= arguments.size() || arguments[i]->vt == VT_ERROR) {
+      passed.push_back(Pointer(nullptr));
+      if (pointers == 0) passed.back().vt = type;
+    } else {
+      EXPECT_EQ(type == VT_RECORD ? VariantCopy(&value, arguments[i])
+                                  : VariantChangeType(&value, arguments[i], 0, type),
+                S_OK);
+      void* const place = type == VT_RECORD ? value.pvRecord : &value.byref;
+      passed.push_back(pointers == 0 ? value : Pointer(place));
+    }
+    types.push_back(passed.back().vt);
+    places.push_back(&passed.back());
   }
   ComPtr<IUnknown> instance;
-  object->QueryInterface(dual.id, reinterpret_cast<void**>(instance.out()));
   VARIANT status{};
-  const HRESULT called = DispCallFunc(
-      instance.get(), static_cast<ULONG_PTR>(operation.oVft), operation.callconv, VT_ERROR,
-      static_cast<UINT>(passed.size()), types.data(), places.data(), &status);
-  EXPECT_EQ(called, S_OK);
+  Require(object->QueryInterface(dual.id, reinterpret_cast<void**>(instance.out())));
+  Require(DispCallFunc(instance.get(), static_cast<ULONG_PTR>(operation.oVft), operation.callconv,
+                       VT_ERROR, static_cast<UINT>(places.size()), types.data(), places.data(),
+                       &status));
   if (FAILED(status.scode) || result == nullptr) return status.scode;
   if (resultType == VT_RECORD) {
     // The server's own kind of record is had from a raw card.
-    const ServerModule module;
-    const auto raw = module.Create<::_CCardByteData>(CLSID_CCardByteData);
+    const auto raw = ServerModule().Create<::_CCardByteData>(CLSID_CCardByteData);
     raw->put_CardDataStruct(&record);
     return Call(raw.get(), L"CardDataStruct", DISPATCH_PROPERTYGET, {}, result).status;
   }
@@ -166,7 +118,8 @@ HRESULT CallVtable(IDispatch* object, const DualInterface& dual, const FUNCDESC&
 void ServerHost::New(const std::string& name, const std::string& className) {
   Variant& value = values_[name];
   VariantClear(&value);
-  value.pdispVal = module_.Create<IDispatch>(ClassId(Wide(className))).Detach();
+  static const auto classes = LibraryClasses();
+  value.pdispVal = module_.Create<IDispatch>(classes.at(className)).Detach();
   value.vt = VT_DISPATCH;
 }
 

@@ -12,8 +12,8 @@ namespace vardel::server {
 namespace {
 
 /// One object of each class; a late-bound call, a card there and back, and a fault.
-void UseAll(const ServerModule& module, const std::vector<CLSID>& classes) {
-  for (const CLSID& id : classes) {
+void UseAll(const ServerModule& module, const std::map<std::string, CLSID>& classes) {
+  for (const auto& [name, id] : classes) {
     ComPtr<ITypeInfo> info;
     Require(module.Create<IDispatch>(id)->GetTypeInfo(0, 0, info.out()));
   }
@@ -41,10 +41,7 @@ void UseAll(const ServerModule& module, const std::vector<CLSID>& classes) {
 bool StaysLevel(std::size_t objects) {
   constexpr SIZE_T kNoise = 1 << 15;
   const ServerModule module;
-  std::vector<CLSID> classes;
-  for (const auto& [info, type] : LibraryTypes()) {
-    if (type.typekind == TKIND_COCLASS) classes.push_back(type.guid);
-  }
+  const auto classes = LibraryClasses();
   PROCESS_MEMORY_COUNTERS memory{};
   DWORD handles = 0;
   SIZE_T memoryLimit = 0;

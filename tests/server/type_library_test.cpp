@@ -15,18 +15,6 @@ namespace {
 using Blocks = std::map<std::string, std::string>;  // lines by header, such as "interface _CError"
 using Info = ComPtr<ITypeInfo>;
 
-Info Referred(const Info& info, HREFTYPE reference) {
-  Info referred;
-  Require(info->GetRefTypeInfo(reference, referred.out()));
-  return referred;
-}
-/// Of a dual interface, which the library lists by its dispatch side, -1 is the vtable side.
-Info Implemented(const Info& info, int index) {
-  HREFTYPE reference = 0;
-  Require(info->GetRefTypeOfImplType(static_cast<UINT>(index), &reference));
-  return Referred(info, reference);
-}
-
 std::string TypeText(const Info& info, const TYPEDESC& type) {
   static const std::map<int, std::string> names = {
       {VT_BSTR, "text"},       {VT_UI1, "byte"},           {VT_I2, "short"},

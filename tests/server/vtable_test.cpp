@@ -1,3 +1,4 @@
+#include "tests/server/library_types.h"
 #include "tests/server/server_host.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +18,7 @@ std::string SampleOf(VARTYPE type, const std::string& name) {
   return sample == samples.end() ? name + "\xC3\xA9\xE2\x82\xAC" : sample->second;
 }
 
-class Vtable : public testing::TestWithParam<CLSID> {
+class Vtable : public testing::TestWithParam<std::pair<const std::string, CLSID>> {
  protected:
   ~Vtable() override {
     object_ = {};
@@ -41,7 +42,7 @@ class Vtable : public testing::TestWithParam<CLSID> {
   }
 
   ServerModule module_;
-  ComPtr<IDispatch> object_ = module_.Create<IDispatch>(GetParam());
+  ComPtr<IDispatch> object_ = module_.Create<IDispatch>(GetParam().second);
 };
 
 TEST_P(Vtable, GivesBackWhatWasPut) {
@@ -72,7 +73,8 @@ TEST_P(Vtable, AnswersNullPointersWithAStatus) {
   EXPECT_GT(operations, 5);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Vtable, testing::ValuesIn(ClassIds()));
+INSTANTIATE_TEST_SUITE_P(Of, Vtable, testing::ValuesIn(LibraryClasses()),
+                         [](const auto& test) { return test.param.first; });
 
 }  // namespace
 }  // namespace vardel::server
