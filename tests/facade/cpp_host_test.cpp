@@ -1,6 +1,7 @@
 #include "tests/support/fault_of.h"
 #include "tests/support/test_frame.h"
 #include <vardel/core/card_frame.h>
+#include <vardel/core/number.h>
 #include <vardel/facade/card.h>
 #include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
@@ -80,6 +81,22 @@ TEST(CppHost, SeesItsFramesOwnFailureAndTheFiller) {
   EXPECT_THROW(facade.AnalyzeCardData(frame), Refusal);
   EXPECT_EQ(LibraryFiller().Length, 64);
   EXPECT_EQ(LibraryFiller().Text, std::string(64, '0'));
+}
+
+TEST(CppHost, HasDigitsReadToTheirEndAndNoFurther) {
+  for (std::size_t size = 1; size <= 16; ++size) {
+    for (std::size_t place = 0; place < size; ++place) {
+      std::vector<char> text(size, '9');  // a read beyond it would leave this allocation
+      const std::string_view digits(text.data(), size);
+      for (int code = 0; code < 256; ++code) {
+        text[place] = static_cast<char>(code);
+        std::int64_t value = -1;
+        const bool isShort = size <= 15 && code >= '0' && code <= '9';
+        ASSERT_EQ(ParseDigits(digits, value), isShort) << digits;
+        ASSERT_EQ(value, isShort ? std::stoll(std::string(digits)) : -1) << digits;
+      }
+    }
+  }
 }
 
 TEST(CppHost, MayGiveAnyNumberAndAnyCountOfBytes) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,18 +11,43 @@
 /// Numbers travel as decimal text and are computed with as doubles.
 namespace vardel {
 
+/// ParseDigits for texts of any other size than 1 to 8.
+bool ParseOtherDigits(std::string_view text, std::int64_t& value);
+
 /// Whether the text is 1 to 15 digits and nothing else, as nearly all fields are; then `value`,
 /// which a double holds exactly, is set. A bare bool because an optional costs the hot path its
 /// registers.
 inline bool ParseDigits(std::string_view text, std::int64_t& value) {
-  if (text.empty() || text.size() > 15) return false;
-  std::int64_t sum = 0;
-  for (const char c : text) {
-    const int digit = c - '0';
-    if (digit < 0 || digit > 9) return false;
-    sum = sum * 10 + digit;
-  }
-  value = sum;
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  const std::size_t size = text.size();
+  if (size < 1 || size > 8) return ParseOtherDigits(text, value);
+
+  // All characters in one word, the last in the highest byte, without a look beyond them and
+  // without a branch for each length: texts of one to three are their first, middle and last
+  // character, longer ones their first and last four.
+  const auto at = [&](std::size_t i) { return std::uint64_t{static_cast<std::uint8_t>(text[i])}; };
+  const auto four = [&](std::size_t i) -> std::uint64_t {
+    if constexpr (std::endian::native != std::endian::little) {
+      return at(i) | at(i + 1) << 8 | at(i + 2) << 16 | at(i + 3) << 24;
+    }
+    std::uint32_t word = 0;
+    std::memcpy(&word, text.data() + i, sizeof(word));
+    return word;
+  };
+  const std::size_t unused = 64 - 8 * size;
+  std::uint64_t digits =
+      size < 4 ? (at(0) | at(size / 2) << 8 * (size / 2) | at(size - 1) << 8 * (size - 1)) << unused
+               : four(0) << unused | four(size - 4) << 32;
+  digits ^= kOnes * '0' << unused;
+  if (((digits | (digits + kOnes * (0x80 - 10))) & kOnes * 0x80) != 0) return false;
+
+  // Digits to pairs, in every second byte; then each pair times its weight, all summed up in the
+  // upper half.
+  constexpr std::uint64_t kPairs = 0x000000FF000000FF;
+  digits = digits * 10 + (digits >> 8);
+  const std::uint64_t sum = (digits & kPairs) * (100 + (std::uint64_t{1000000} << 32)) +
+                            (digits >> 16 & kPairs) * (1 + (std::uint64_t{10000} << 32));
+  value = static_cast<std::int64_t>(sum >> 32);
   return true;
 }
 
