@@ -1,6 +1,5 @@
 #include <vardel/core/card_byte_data.h>
 #include <vardel/core/host_fault.h>
-#include <vardel/core/type_code.h>
 
 #include <cstddef>
 
@@ -12,20 +11,6 @@ void CCardByteData::InitCardData(std::int32_t ParamCardType) try {
   if (ErrNumber() == 0) CardDataStruct = {};
 } catch (const HostFault& fault) {
   if (const auto error = Error()) error->MakeErr(kContentError, fault.what());
-}
-
-void CCardByteData::CardType(std::int32_t cardType) {
-  if (IsValidMainType(cardType)) {
-    InitErr();
-    cardType_ = cardType;
-  } else {
-    MakeErr(kContentError, message::kIncorrectCardType);
-  }
-}
-
-void CCardByteData::CardSubType(std::uint8_t cardSubType) {
-  InitErr();
-  cardSubType_ = cardSubType;
 }
 
 std::int32_t CCardByteData::CardDataByteCount() const {

@@ -3,6 +3,7 @@
 #include <vardel/core/card_data_struct.h>
 #include <vardel/core/enumerations.h>
 #include <vardel/core/error.h>
+#include <vardel/core/type_code.h>
 
 #include <cstdint>
 
@@ -21,11 +22,21 @@ class CCardByteData : public ErrorHolder {
   std::int32_t CardType() const { return cardType_; }
   /// Clears the error and stores 1, 2 or 3. Records "Incorrect Card Type" for every other value, 0
   /// included, and keeps the old type.
-  void CardType(std::int32_t cardType);
+  void CardType(std::int32_t cardType) {
+    if (IsValidMainType(cardType)) {
+      InitErr();
+      cardType_ = cardType;
+    } else {
+      MakeErr(kContentError, message::kIncorrectCardType);
+    }
+  }
 
   std::uint8_t CardSubType() const { return cardSubType_; }
   /// Clears the error and stores.
-  void CardSubType(std::uint8_t cardSubType);
+  void CardSubType(std::uint8_t cardSubType) {
+    InitErr();
+    cardSubType_ = cardSubType;
+  }
 
   /// Always 32, however many bytes the format uses.
   std::int32_t CardDataByteCount() const;

@@ -5,7 +5,7 @@
 #include <vardel/facade/card.h>
 #include <vardel/formats/card_formats.h>
 
-#include <algorithm>
+#include <cstddef>
 
 namespace vardel {
 namespace {
@@ -16,6 +16,14 @@ static_assert(kFillerText.size() == 64);
 
 thread_local CardFiller filler;
 
+/// The place of a type code among a facade's formats; the first, which stays empty, for all codes
+/// that no format can have.
+std::size_t Slot(std::int32_t code) {
+  const auto type = static_cast<std::uint32_t>(code) / 256;
+  const auto subType = static_cast<std::uint32_t>(code) % 256;
+  return type < 4 && subType < 8 ? type * 8 + subType : 0;
+}
+
 }  // namespace
 
 const CardFiller& LibraryFiller() { return filler; }
@@ -24,20 +32,15 @@ CCard::CCard() {
   filler = {.Length = static_cast<std::int32_t>(kFillerText.size()), .Text = kFillerText};
   for (const CardFormatClass& row : CardFormatClasses()) {
     if (row.IsInFacade) {
-      formats_.push_back({TypeCode(row.CardType, row.CardSubType), row.Create()});
+      formats_[Slot(TypeCode(row.CardType, row.CardSubType))] = row.Create();
     }
   }
 }
 
-const CCard::Entry* CCard::Find(std::int32_t code) const {
-  const auto found = std::ranges::find(formats_, code, &Entry::code);
-  return found == formats_.end() ? nullptr : &*found;
-}
-
-CCardFormatInfo& CCard::Format(std::int32_t cardType, std::int32_t cardSubType) const {
-  const Entry* const entry = Find(TypeCode(cardType, cardSubType));
-  if (entry == nullptr) throw HostFault(Fault::ObjectRequired);
-  return *entry->format;
+const std::shared_ptr<CCardFormatInfo>& CCard::Format(std::int32_t code) const {
+  const auto& format = formats_[Slot(code)];
+  if (format == nullptr) throw HostFault(Fault::ObjectRequired);
+  return format;
 }
 
 std::shared_ptr<CCardFormatInfo> CCard::CardFormat(std::int32_t CardType,
@@ -46,13 +49,11 @@ std::shared_ptr<CCardFormatInfo> CCard::CardFormat(std::int32_t CardType,
 }
 
 std::shared_ptr<CCardFormatInfo> CCard::CardFormatByCode(std::int32_t CardTypeCode) const {
-  const Entry* const entry = Find(CardTypeCode);
-  if (entry == nullptr) throw HostFault(Fault::ObjectRequired);
-  return entry->format;
+  return Format(CardTypeCode);
 }
 
 bool CCard::IsExisted(std::int32_t CardType, std::int32_t CardSubType) const {
-  return Find(TypeCode(CardType, CardSubType)) != nullptr;
+  return formats_[Slot(TypeCode(CardType, CardSubType))] != nullptr;
 }
 
 bool CCard::IsCardMainType(std::int32_t InData) const { return IsValidMainType(InData); }
@@ -79,7 +80,7 @@ CCardByteData CCard::MakeCardData(const CCardData* InCardData) {
     ErrName = message::kUnknownCardType;
     return result;
   }
-  CCardFormatInfo& format = Format(card.CardType, card.CardSubType);
+  CCardFormatInfo& format = *Format(TypeCode(card.CardType, card.CardSubType));
   result.CardType(card.CardType);
   result.CardSubType(card.CardSubType);
   format.Encode(card, result.CardDataStruct);
@@ -94,9 +95,9 @@ CCardData CCard::AnalyzeCardData(const ICardFrame* UFrame) const {
   const std::int32_t cardSubType = frame.FrameCardSubType();
   CCardData result;
   if (IsValidTypePair(cardType, cardSubType)) {
-    Format(cardType, cardSubType).Decode(frame, result);
+    Format(TypeCode(cardType, cardSubType))->Decode(frame, result);
   } else if (frame.IsEMFrame()) {
-    Format(CARD_EM, CARD_SUB_EM_STD_26BITS).Decode(frame, result);
+    Format(TypeCode(CARD_EM, CARD_SUB_EM_STD_26BITS))->Decode(frame, result);
   }
   return result;
 }

@@ -5,11 +5,11 @@
 #include <vardel/core/frame.h>
 #include <vardel/format/card_format_info.h>
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vardel {
 
@@ -59,16 +59,11 @@ class CCard {
   CCardData AnalyzeCardData(const ICardFrame* UFrame) const;
 
  private:
-  struct Entry {
-    std::int32_t code;
-    std::shared_ptr<CCardFormatInfo> format;
-  };
+  /// The registered format of a type code, without taking a share in it.
+  const std::shared_ptr<CCardFormatInfo>& Format(std::int32_t code) const;
 
-  const Entry* Find(std::int32_t code) const;
-  /// The registered format of a pair, without taking a share in it.
-  CCardFormatInfo& Format(std::int32_t cardType, std::int32_t cardSubType) const;
-
-  std::vector<Entry> formats_;
+  /// One place for each pair of a main type and a sub-type; null where no format is registered.
+  std::array<std::shared_ptr<CCardFormatInfo>, 32> formats_;
 };
 
 /// A length and a text of so many zeros, which every new facade sets for its thread. Nothing reads
