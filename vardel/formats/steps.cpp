@@ -16,14 +16,13 @@ namespace {
 
 bool Accept(CCardFormatInfo& format, std::string_view text, double min, double max,
             std::string_view message, Field& field) {
-  bool isNumber = ParseDigits(text, field.whole);
-  if (isNumber) {
-    field.number = static_cast<double>(field.whole);
-  } else if (const auto number = ParseAnyNumber(text)) {
-    field.number = *number;
-    isNumber = true;
+  bool isNumber = ParseDigits(text, field);
+  if (!isNumber) {
+    const auto number = ParseAnyNumber(text);
+    isNumber = number.has_value();
+    field = {.number = number.value_or(0)};
   }
-  if (isNumber && !(field.number < min) && !(field.number > max)) return true;
+  if (isNumber && IsWithin(field, min, max)) return true;
   Reject(format, message);
   return false;
 }
@@ -40,9 +39,8 @@ std::uint64_t LowBytes(const ByteArray& bytes, std::size_t count) {
   return LittleEndian(std::span(bytes).first(std::min(bytes.size(), count)));
 }
 
-CardDataStruct Reject(CCardFormatInfo& format, std::string_view message) {
+void Reject(CCardFormatInfo& format, std::string_view message) {
   format.MakeErr(kContentError, message);
-  return {};
 }
 
 bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, Field& field) {
@@ -50,7 +48,8 @@ bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, Field& field) 
                 field);
 }
 
-bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused, Fields& fields) {
+bool AcceptAnyFields(CCardFormatInfo& format, const CCardData& card, Unused unused,
+                     Fields& fields) {
   if (!Accept(format, card.Facility, format.MinFacility, format.MaxFacility,
               message::kIncorrectFacilityCode, fields.facility)) {
     return false;
@@ -69,24 +68,6 @@ bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, i
 
 void CheckConversion(const Field& field) {
   if (field.whole == Field::kNotWhole) NumberToBytes(field.number);
-}
-
-std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count) {
-  constexpr std::int64_t kSmall = std::int64_t{1} << 30;  // the sum stays below 2^53
-  const bool areWhole = fields.facility.whole >= 0 && fields.cardID.whole >= 0;
-  if (areWhole && fields.facility.whole < kSmall && fields.cardID.whole < kSmall) {
-    const auto sum =
-        static_cast<std::uint64_t>((fields.facility.whole << facilityAt) + 2 * fields.cardID.whole);
-    return GetBits(sum, 0, static_cast<int>(8 * count));
-  }
-  const double weight = std::ldexp(1.0, facilityAt);
-  return NumberBytes(
-      weight * fields.facility.number + (fields.cardID.number + fields.cardID.number), count);
-}
-
-void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record) {
-  std::ranges::copy(BytesOf(value), record.Bytes.begin());
-  if (format.IsCardArrayReversed) record = MakeCardDataStruct(record.Bytes, true);
 }
 
 std::optional<ByteArray> ReadBytes(const CCardFormatInfo& format, const ICardFrame& frame,

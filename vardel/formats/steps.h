@@ -9,8 +9,10 @@
 #include <vardel/format/card_format_info.h>
 #include <vardel/format/mod_card.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -66,8 +68,8 @@ inline std::array<std::uint8_t, 8> BytesOf(std::uint64_t value) {
 
 // --- encode ---
 
-/// Records a content error on the format and gives the all-zero record that goes with it.
-CardDataStruct Reject(CCardFormatInfo& format, std::string_view message);
+/// Records a content error on the format.
+void Reject(CCardFormatInfo& format, std::string_view message);
 
 /// An accepted number. Nearly all are whole and below 10^15: those have an integer beside the
 /// double.
@@ -77,6 +79,18 @@ struct Field {
 
   static constexpr std::int64_t kNotWhole = -1;
 };
+
+/// Whether the text is digits and nothing else; then `field` is set.
+inline bool ParseDigits(std::string_view text, Field& field) {
+  if (!vardel::ParseDigits(text, field.whole)) return false;
+  field.number = static_cast<double>(field.whole);
+  return true;
+}
+
+/// Whether the number is neither below nor above the limits, as all are to a limit that is none.
+inline bool IsWithin(const Field& field, double min, double max) {
+  return !(field.number < min) && !(field.number > max);
+}
 
 /// Whether the card number is numeric and within the format's limits; then `field` is set.
 /// Otherwise the error is recorded on the format.
@@ -91,8 +105,20 @@ struct Fields {
 /// faults.
 enum class Unused { Skip, Convert };
 
+/// AcceptFields without the short way.
+bool AcceptAnyFields(CCardFormatInfo& format, const CCardData& card, Unused unused, Fields& fields);
+
 /// The same for the facility code and then the card number.
-bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused, Fields& fields);
+inline bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused,
+                         Fields& fields) {
+  // Digits within the limits leave nothing to record and nothing that a conversion could refuse.
+  if (ParseDigits(card.Facility, fields.facility) && ParseDigits(card.CardID, fields.cardID) &&
+      IsWithin(fields.facility, format.MinFacility, format.MaxFacility) &&
+      IsWithin(fields.cardID, format.MinCardID, format.MaxCardID)) {
+    return true;
+  }
+  return AcceptAnyFields(format, card, unused, fields);
+}
 
 /// Whether the card is of the format's own type pair; otherwise the error is recorded on the
 /// format.
@@ -103,12 +129,26 @@ void CheckConversion(const Field& field);
 
 /// The lowest `count` bytes of 2^facilityAt x facility code + 2 x card number, computed in doubles
 /// as the fields are; whole fields whose sum is exact take the short way.
-std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count);
+inline std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count) {
+  constexpr std::int64_t kSmall = std::int64_t{1} << 30;  // the sum stays below 2^53
+  const bool areWhole = fields.facility.whole >= 0 && fields.cardID.whole >= 0;
+  if (areWhole && fields.facility.whole < kSmall && fields.cardID.whole < kSmall) {
+    const auto sum =
+        static_cast<std::uint64_t>((fields.facility.whole << facilityAt) + 2 * fields.cardID.whole);
+    return GetBits(sum, 0, static_cast<int>(8 * count));
+  }
+  const double weight = std::ldexp(1.0, facilityAt);
+  return NumberBytes(
+      weight * fields.facility.number + (fields.cardID.number + fields.cardID.number), count);
+}
 
 /// Closes an encode: the bytes of the card value, widened to a full record and turned around when
 /// `IsCardArrayReversed` says so. A value of 8 bytes cannot exceed the record, so the message for
 /// that is never recorded.
-void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record);
+inline void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record) {
+  std::ranges::copy(BytesOf(value), record.Bytes.begin());
+  if (format.IsCardArrayReversed) record = MakeCardDataStruct(record.Bytes, true);
+}
 
 // --- decode ---
 
