@@ -1,9 +1,9 @@
 #pragma once
 
-#include <bit>
+#include <vardel/core/text.h>
+
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,22 +22,8 @@ inline bool ParseDigits(std::string_view text, std::int64_t& value) {
   const std::size_t size = text.size();
   if (size < 1 || size > 8) return ParseOtherDigits(text, value);
 
-  // All characters in one word, the last in the highest byte, without a look beyond them and
-  // without a branch for each length: texts of one to three are their first, middle and last
-  // character, longer ones their first and last four.
-  const auto at = [&](std::size_t i) { return std::uint64_t{static_cast<std::uint8_t>(text[i])}; };
-  const auto four = [&](std::size_t i) -> std::uint64_t {
-    if constexpr (std::endian::native != std::endian::little) {
-      return at(i) | at(i + 1) << 8 | at(i + 2) << 16 | at(i + 3) << 24;
-    }
-    std::uint32_t word = 0;
-    std::memcpy(&word, text.data() + i, sizeof(word));
-    return word;
-  };
   const std::size_t unused = 64 - 8 * size;
-  std::uint64_t digits =
-      size < 4 ? (at(0) | at(size / 2) << 8 * (size / 2) | at(size - 1) << 8 * (size - 1)) << unused
-               : four(0) << unused | four(size - 4) << 32;
+  std::uint64_t digits = WordOf(text) << unused;
   digits ^= kOnes * '0' << unused;
   if (((digits | (digits + kOnes * (0x80 - 10))) & kOnes * 0x80) != 0) return false;
 
@@ -69,7 +55,12 @@ double RequireNumber(std::string_view text);
 
 /// `text` is numeric and its value lies within the limits, both included.
 inline bool IsNumberWithin(std::string_view text, double min, double max) {
-  const std::optional<double> value = ParseNumber(text);
+  std::int64_t digits = 0;
+  if (ParseDigits(text, digits)) {
+    const auto value = static_cast<double>(digits);
+    return min <= value && value <= max;
+  }
+  const std::optional<double> value = ParseAnyNumber(text);
   return value && min <= *value && *value <= max;
 }
 

@@ -5,6 +5,8 @@
 #include <vardel/formats/card_formats.h>
 #include <vardel/formats/steps.h>
 
+#include <algorithm>
+
 namespace vardel {
 namespace {
 
@@ -52,7 +54,7 @@ void CCardFormat34Bits::Encode(const CCardData& card, vardel::CardDataStruct& re
   value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 16))) |
            steps::Parity(steps::GetBits(value, 17, 16)) << 33;
   // This encoder alone never turns the record around.
-  record = MakeCardDataStruct(steps::BytesOf(value), false);
+  std::ranges::copy(steps::BytesOf(value), record.Bytes.begin());
 }
 
 bool CCardFormat34Bits::Decode(const ICardFrame& frame, CCardData& result) {

@@ -8,6 +8,8 @@
 #include <vardel/formats/characters.h>
 #include <vardel/formats/steps.h>
 
+#include <iterator>
+
 namespace vardel {
 namespace {
 
@@ -48,8 +50,12 @@ CCardFormatDongSeo::CCardFormatDongSeo() : FacilitylessFormat(kParameters) {}
 bool CCardFormatDongSeo::IsCardIDValid(std::string_view InData) const {
   const std::string_view text = TrimBlanks(InData);
   if (text.empty()) return false;
-  if (static_cast<std::ptrdiff_t>(CharCount(text)) > CharCountCardID) return false;
-  return ParseNumber(text) != 0.0;  // letters pass, and so do negative numbers
+  // No text has more characters than bytes.
+  if (std::ssize(text) > CharCountCardID &&
+      static_cast<std::ptrdiff_t>(CharCount(text)) > CharCountCardID) {
+    return false;
+  }
+  return !IsNumberWithin(text, 0, 0);  // letters pass, and so do negative numbers
 }
 
 bool CCardFormatDongSeo::IsRevisionValid(std::string_view InData) const {
@@ -64,21 +70,18 @@ void CCardFormatDongSeo::Encode(const CCardData& card, vardel::CardDataStruct& r
 
   // A bad card number leaves its bytes 0, and the record is still made; a bad revision leaves its
   // bytes 0 and is not even recorded.
-  vardel::CardDataStruct work;
   if (IsCardIDValid(card.CardID)) {
-    characters::Put(work, Backwards(0, OccupiedByteCardId),
-                    characters::Fill(card.CardID, OccupiedByteCardId, "0", Align::Right),
-                    Zero::IsZero);
+    characters::Put(record, Backwards(0, OccupiedByteCardId), card.CardID,
+                    {OccupiedByteCardId, "0", Align::Right}, Zero::IsZero);
   } else {
     steps::Reject(*this, message::kIncorrectCardID);
   }
   if (IsRevisionValid(card.Revision)) {
     characters::Put(
-        work, Backwards(OccupiedByteFacility + OccupiedByteCardId, OccupiedByteRevision),
-        characters::Fill(LastChars(card.Revision, 2), CharCountRevision, "0", Align::Right),
-        Zero::IsZero);
+        record, Backwards(OccupiedByteFacility + OccupiedByteCardId, OccupiedByteRevision),
+        LastChars(card.Revision, 2), {CharCountRevision, "0", Align::Right}, Zero::IsZero);
   }
-  record = MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
+  steps::TurnAround(*this, record.Bytes);
 }
 
 bool CCardFormatDongSeo::Decode(const ICardFrame& frame, CCardData& result) {

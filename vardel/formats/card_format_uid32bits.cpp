@@ -1,10 +1,10 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/core/number.h>
 #include <vardel/format/format_parameters.h>
-#include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
 #include <vardel/formats/steps.h>
 
+#include <algorithm>
 #include <span>
 
 namespace vardel {
@@ -48,9 +48,9 @@ bool CCardFormatUID32BIts::IsRevisionValid(std::string_view /*InData*/) const { 
 void CCardFormatUID32BIts::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_UID_32BITS)) return;
   // No range is checked: a larger number is taken modulo 2^32.
-  const std::uint64_t uid = steps::LowBytes(NumberToBytesByByte(card.CardID), kUidBytes);
-  const auto bytes = steps::BytesOf(uid);
-  record = MakeCardDataStruct(std::span(bytes).first(kUidBytes), IsCardArrayReversed);
+  const std::uint64_t uid = steps::NumberBytes(RequireNumber(card.CardID), kUidBytes);
+  std::ranges::copy(steps::BytesOf(uid), record.Bytes.begin());
+  steps::TurnAround(*this, std::span(record.Bytes).first(kUidBytes));
 }
 
 bool CCardFormatUID32BIts::Decode(const ICardFrame& frame, CCardData& result) {

@@ -13,8 +13,13 @@ namespace vardel::characters {
 /// How a text shorter than its field is filled up.
 enum class Align : std::int16_t { Left = 0, Right = 1 };
 
-/// `text` filled up to `length` characters. A text as long as that or longer passes unchanged.
-std::string Fill(std::string_view text, std::int16_t length, std::string_view padChar, Align align);
+/// To how many characters a text is filled up with which one. A text as long as that or longer
+/// passes unchanged.
+struct Filling {
+  std::int16_t length;
+  std::string_view padChar;
+  Align align;
+};
 
 /// The bytes of a field, in the order of its characters: `count` of them, from `first` on in steps
 /// of `step` (1 or -1).
@@ -27,11 +32,12 @@ struct Place {
 /// What the blank, as a character, and the zero, as a byte, stand for.
 enum class Zero { IsZero, IsBlank };
 
-/// Puts the first characters of a text into a field. Fault 5 where the text ends before the field,
-/// fault 6 for a character without a code, fault 9 where the field leaves the record.
-void Put(CardDataStruct& record, Place place, std::string_view text, Zero zero);
+/// Puts the first characters of a text, filled up, into a field. Fault 5 where the text ends before
+/// the field, fault 6 for a character without a code, fault 9 where the field leaves the record.
+void Put(CardDataStruct& record, const Place& place, std::string_view text, const Filling& filling,
+         Zero zero);
 
 /// The text of a field. Fault 9 where the field leaves the bytes.
-std::string Take(std::span<const std::uint8_t> bytes, Place place, Zero zero);
+std::string Take(std::span<const std::uint8_t> bytes, const Place& place, Zero zero);
 
 }  // namespace vardel::characters

@@ -142,12 +142,16 @@ inline std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_
       weight * fields.facility.number + (fields.cardID.number + fields.cardID.number), count);
 }
 
-/// Closes an encode: the bytes of the card value, widened to a full record and turned around when
-/// `IsCardArrayReversed` says so. A value of 8 bytes cannot exceed the record, so the message for
-/// that is never recorded.
+/// Closes an encode: turns the card's bytes around when `IsCardArrayReversed` says so.
+inline void TurnAround(const CCardFormatInfo& format, std::span<std::uint8_t> bytes) {
+  if (format.IsCardArrayReversed) std::ranges::reverse(bytes);
+}
+
+/// Closes an encode with the bytes of the card value, widened to a full record and turned around. A
+/// value of 8 bytes cannot exceed the record, so the message for that is never recorded.
 inline void PutRecord(const CCardFormatInfo& format, std::uint64_t value, CardDataStruct& record) {
   std::ranges::copy(BytesOf(value), record.Bytes.begin());
-  if (format.IsCardArrayReversed) record = MakeCardDataStruct(record.Bytes, true);
+  TurnAround(format, record.Bytes);
 }
 
 // --- decode ---

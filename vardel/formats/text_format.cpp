@@ -1,7 +1,6 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/core/number.h>
 #include <vardel/core/text.h>
-#include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
 #include <vardel/formats/steps.h>
 #include <vardel/formats/text_layout.h>
@@ -34,12 +33,11 @@ void TextFormat::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   using characters::Align;
   if (!steps::AcceptType(*this, card, CARD_MIFARE, layout_.subType)) return;
 
-  vardel::CardDataStruct work;
   int next = 0;
   const auto put = [&](std::string_view text, std::int16_t width, std::int16_t count,
                        std::string_view filler, Align align) {
-    characters::Put(work, {.first = next, .count = count},
-                    characters::Fill(text, width, filler, align), layout_.blank);
+    characters::Put(record, {.first = next, .count = count}, text, {width, filler, align},
+                    layout_.blank);
     next += count;
   };
   const bool isFixed = !layout_.filler.empty();
@@ -48,7 +46,7 @@ void TextFormat::Encode(const CCardData& card, vardel::CardDataStruct& record) {
       layout_.align);
   put(LastChars(card.Revision, 2), CharCountRevision, OccupiedByteRevision,
       isFixed ? layout_.filler : " ", layout_.align);
-  record = MakeCardDataStruct(work.Bytes, IsCardArrayReversed);
+  steps::TurnAround(*this, record.Bytes);
 }
 
 bool TextFormat::Decode(const ICardFrame& frame, CCardData& result) {
