@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <thread>
 
 // What callers do wrong, and what their own objects do: a status, never a crash.
 namespace vardel::server {
@@ -168,24 +167,6 @@ TEST_F(Callers, KeepRecordsBeyondTheirObjectsAndTheModuleWithThem) {
   EXPECT_EQ(static_cast<unsigned char*>(record.pvRecord)[31], 0);
   EXPECT_EQ(copy.pRecInfo->PutField(0, copy.pvRecord, L"Other", &bytes), DISP_E_UNKNOWNNAME);
   EXPECT_TRUE(copy.pRecInfo->IsMatchingType(record.pRecInfo));
-}
-
-TEST_F(Callers, WorkInSeveralApartmentsAtOnce) {
-  const auto work = [this] {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    for (int i = 0; i < 2000; ++i) {
-      ComPtr<::_CCardFormatInfo> format;
-      Facade()->CardFormatByCode(513, format.out());
-      format->put_MaxFacility(i);
-      double max = -1;
-      format->get_MaxFacility(&max);
-      ASSERT_EQ(max, i);
-    }
-    CoUninitialize();
-  };
-  std::thread other(work);
-  work();
-  other.join();
 }
 
 }  // namespace

@@ -67,8 +67,10 @@ class ClassFactory final : public ComObject<IClassFactory> {
 
 using namespace vardel::server;
 
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) moduleInstance = instance;
+  // When the process ends, the library's own DLL may have gone already.
+  if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) DropTypeLibrary();
   return TRUE;
 }
 

@@ -10,6 +10,10 @@ void Require(HRESULT status) {
   if (FAILED(status)) throw std::runtime_error("the type library cannot be read");
 }
 
+/// Loaded once: where several threads load and drop a library at the same time, a platform may find
+/// one that is just going (Wine 8 does).
+ITypeLib* keptLibrary = nullptr;
+
 /// The attributes of a type, given back at the end.
 class Attributes {
  public:
@@ -88,9 +92,13 @@ Member Describe(ITypeInfo* info, const FUNCDESC& function) {
 }  // namespace
 
 ComPtr<ITypeLib> LoadTypeLibrary() {
-  ComPtr<ITypeLib> library;
-  Require(LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, library.out()));
-  return library;
+  static const HRESULT loaded = LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &keptLibrary);
+  Require(loaded);
+  return ComPtr<ITypeLib>::Share(keptLibrary);
+}
+
+void DropTypeLibrary() {
+  if (ITypeLib* const library = std::exchange(keptLibrary, nullptr)) library->Release();
 }
 
 ComPtr<ITypeInfo> LoadTypeInfo(REFGUID guid) {

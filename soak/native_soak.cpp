@@ -1,4 +1,4 @@
-#include "tests/support/card_samples.h"
+#include "soak/card_samples.h"
 
 #include <algorithm>
 #include <cstdlib>
