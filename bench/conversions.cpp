@@ -1,5 +1,5 @@
-#include "bench/floor.h"
 #include "bench/allocations.h"
+#include "bench/floor.h"
 #include <vardel/core/card_frame.h>
 #include <vardel/core/host_fault.h>
 #include <vardel/facade/card.h>

@@ -149,6 +149,10 @@ class Runner {
     ApplySettings("format");
   }
 
+  static bool IsFault(const std::string& answer) {
+    return answer.starts_with("fault") || answer.starts_with("status");
+  }
+
   /// Takes the error message that an answer may begin with; gives the error pair.
   static std::string TakeError(Words& answer) {
     if (answer.empty() || answer[0].text != "error") return "0 \"\"";
@@ -173,6 +177,7 @@ class Runner {
     host_.Run({"facade", "CardFormat", type, false, "registered"});
     ApplySettings("registered");
     const std::string result = host_.Run({"facade", "MakeCardData", {{"card"}}, false, "raw"});
+    EXPECT_EQ(IsFault(result), isFault) << result;
     EXPECT_EQ(isFault ? result : Get("raw", "CardDataStruct"), expected);
     EXPECT_EQ(isFault ? error : Err("raw"), error);
     EXPECT_EQ(Err("facade"), "0 \"\"");
@@ -194,6 +199,7 @@ class Runner {
       if (!answer.empty() && answer[0].text == "fault") {
         EXPECT_EQ(result, Show(answer));
       } else {
+        EXPECT_FALSE(IsFault(result)) << result;
         EXPECT_EQ(Card("result"), Show(answer));
         EXPECT_EQ(Err("result"), error);
       }
@@ -220,6 +226,8 @@ class Runner {
                                                        : host_.Run(call);
     if (name.empty() || !answer.empty()) {
       EXPECT_EQ(result, Show(answer));
+    } else {
+      EXPECT_FALSE(IsFault(result)) << result;
     }
   }
 

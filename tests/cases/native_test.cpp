@@ -22,7 +22,8 @@ TEST_P(NativeCases, Hold) {
 std::string TestName(const testing::TestParamInfo<std::string>& info) {
   return std::filesystem::path(info.param).stem().string();
 }
-INSTANTIATE_TEST_SUITE_P(Formats, NativeCases, testing::ValuesIn(CaseFiles("cases/formats")), TestName);
+INSTANTIATE_TEST_SUITE_P(Formats, NativeCases, testing::ValuesIn(CaseFiles("cases/formats")),
+                         TestName);
 INSTANTIATE_TEST_SUITE_P(Classes, NativeCases, testing::ValuesIn(CaseFiles("cases/classes")),
                          TestName);
 INSTANTIATE_TEST_SUITE_P(Functions, NativeCases, testing::ValuesIn(CaseFiles("cases/functions")),

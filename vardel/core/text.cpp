@@ -75,8 +75,7 @@ std::string_view FirstChars(std::string_view text, std::size_t count) noexcept {
   return text.substr(0, text.size() - rest.size());
 }
 
-std::string_view LastChars(std::string_view text, std::size_t count) noexcept {
-  if (text.size() <= count) return text;  // no character is shorter than a byte
+std::string_view CutToLastChars(std::string_view text, std::size_t count) noexcept {
   const std::size_t total = CharCount(text);
   for (std::size_t excess = total - std::min(total, count); excess > 0; --excess) TakeChar(text);
   return text;

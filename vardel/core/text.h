@@ -59,8 +59,12 @@ inline std::size_t CharCount(std::string_view text) noexcept {
 }
 /// The first `count` characters of `text`, or all of it when it is shorter.
 std::string_view FirstChars(std::string_view text, std::size_t count) noexcept;
+/// LastChars of a text with more than `count` bytes.
+std::string_view CutToLastChars(std::string_view text, std::size_t count) noexcept;
 /// The last `count` characters of `text`, or all of it when it is shorter.
-std::string_view LastChars(std::string_view text, std::size_t count) noexcept;
+inline std::string_view LastChars(std::string_view text, std::size_t count) noexcept {
+  return text.size() <= count ? text : CutToLastChars(text, count);  // none is shorter than a byte
+}
 /// `text` without leading and trailing blanks (U+0020 only).
 std::string_view TrimBlanks(std::string_view text) noexcept;
 

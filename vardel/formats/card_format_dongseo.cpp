@@ -48,6 +48,9 @@ constexpr characters::Place Backwards(int start, int count) {
 CCardFormatDongSeo::CCardFormatDongSeo() : FacilitylessFormat(kParameters) {}
 
 bool CCardFormatDongSeo::IsCardIDValid(std::string_view InData) const {
+  if (std::int64_t digits = 0; ParseDigits(InData, digits)) {
+    return digits != 0 && std::ssize(InData) <= CharCountCardID;
+  }
   const std::string_view text = TrimBlanks(InData);
   if (text.empty()) return false;
   // No text has more characters than bytes.

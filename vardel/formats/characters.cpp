@@ -4,7 +4,10 @@
 #include <vardel/formats/characters.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 namespace vardel::characters {
 namespace {
@@ -16,35 +19,51 @@ std::size_t IndexOf(const Place& place, int i, std::size_t size) {
   return static_cast<std::size_t>(index);
 }
 
-/// Put for texts of one byte per character, which need not be filled up in order to be taken apart.
-/// False, with nothing changed, for all others and where the general way ends in a fault.
-bool PutAscii(CardDataStruct& record, const Place& place, std::string_view text,
-              const Filling& filling, Zero zero) {
+/// The bytes of a word from the last to the first.
+std::uint64_t Reversed(std::uint64_t word) {
+  constexpr std::uint64_t kBytes = 0x00FF00FF00FF00FF;
+  constexpr std::uint64_t kPairs = 0x0000FFFF0000FFFF;
+  word = (word >> 8 & kBytes) | (word & kBytes) << 8;
+  word = (word >> 16 & kPairs) | (word & kPairs) << 16;
+  return word >> 32 | word << 32;
+}
+
+/// The lowest `count` bytes (1 to 8) of a word.
+constexpr std::uint64_t Mask(int count) { return ~std::uint64_t{0} >> (64 - 8 * count); }
+
+/// Put for texts of one byte per character in fields of up to 8 bytes, in one word. False, with
+/// nothing changed, for all others and where the general way ends in a fault.
+bool PutWord(CardDataStruct& record, const Place& place, std::string_view text,
+             const Filling& filling, Zero zero) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  constexpr int kWord = sizeof(std::uint64_t);
   const auto size = static_cast<int>(std::min<std::size_t>(text.size(), INT16_MAX));
   const int total = std::max<int>(size, filling.length);
-  const auto isInside = [&](int index) {
-    return index >= 0 && static_cast<std::size_t>(index) < record.Bytes.size();
-  };
-  if (place.count < 1 || place.count > total || filling.padChar.size() != 1 ||
-      !isInside(place.first) || !isInside(place.first + (place.count - 1) * place.step) ||
-      !IsAscii(text) || !IsAscii(filling.padChar.front())) {
+  if (std::endian::native != std::endian::little || zero != Zero::IsZero || size == 0 ||
+      place.count < 1 || place.count > std::min(total, kWord) || filling.padChar.size() != 1) {
     return false;
   }
-  const char blank = zero == Zero::IsBlank ? '\0' : ' ';
-  int index = place.first;
-  const auto put = [&, step = place.step](char code) {
-    record.Bytes[static_cast<std::size_t>(index)] =
-        static_cast<std::uint8_t>(code == ' ' ? blank : code);
-    index += step;
-  };
-  const char filler = filling.padChar.front();
-  int left = place.count;
-  if (filling.align == Align::Right) {
-    for (int fillers = total - size; fillers > 0 && left > 0; --fillers, --left) put(filler);
-  }
-  const std::string_view taken = text.substr(0, static_cast<std::size_t>(left));
-  for (const char code : taken) put(code);
-  for (left -= static_cast<int>(taken.size()); left > 0; --left) put(filler);
+  const int lowest = place.step < 0 ? place.first - (place.count - 1) : place.first;
+  const int room = static_cast<int>(record.Bytes.size()) - lowest;
+  const int fillers = filling.align == Align::Right ? total - size : 0;
+  if (lowest < 0 || room < place.count || fillers >= place.count) return false;
+
+  std::uint64_t word = WordOf(text.substr(0, kWord));
+  const auto filler = kOnes * static_cast<std::uint8_t>(filling.padChar.front());
+  if (((word | filler) & kOnes * 0x80) != 0) return false;
+  if (size > kWord && !IsAscii(text.substr(kWord))) return false;
+  const std::uint64_t taken = Mask(std::min(size, kWord)) << 8 * fillers;
+  word = (word << 8 * fillers & taken) | (filler & ~taken);
+  if (place.step < 0) word = Reversed(word << 8 * (kWord - place.count));
+
+  // A whole word of the record is written back, of which the field is a part.
+  const int beside = std::max(kWord - room, 0);
+  std::uint8_t* const bytes = &record.Bytes[static_cast<std::size_t>(lowest - beside)];
+  const std::uint64_t field = Mask(place.count) << 8 * beside;
+  std::uint64_t old = 0;
+  std::memcpy(&old, bytes, sizeof(old));
+  old = (old & ~field) | (word << 8 * beside & field);
+  std::memcpy(bytes, &old, sizeof(old));
   return true;
 }
 
@@ -52,7 +71,7 @@ bool PutAscii(CardDataStruct& record, const Place& place, std::string_view text,
 
 void Put(CardDataStruct& record, const Place& place, std::string_view text, const Filling& filling,
          Zero zero) {
-  if (PutAscii(record, place, text, filling, zero)) return;
+  if (PutWord(record, place, text, filling, zero)) return;
   std::string filled;
   if (static_cast<std::ptrdiff_t>(CharCount(text)) < filling.length) {
     filled =

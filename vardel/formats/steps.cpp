@@ -60,12 +60,6 @@ bool AcceptAnyFields(CCardFormatInfo& format, const CCardData& card, Unused unus
   return true;
 }
 
-bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, int subType) {
-  const bool accepted = card.CardType == type && card.CardSubType == subType;
-  if (!accepted) Reject(format, message::kIncorrectCardType);
-  return accepted;
-}
-
 void CheckConversion(const Field& field) {
   if (field.whole == Field::kNotWhole) NumberToBytes(field.number);
 }

@@ -122,7 +122,11 @@ inline bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused 
 
 /// Whether the card is of the format's own type pair; otherwise the error is recorded on the
 /// format.
-bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, int subType);
+inline bool AcceptType(CCardFormatInfo& format, const CCardData& card, CardType type, int subType) {
+  if (card.CardType == type && card.CardSubType == subType) return true;
+  Reject(format, message::kIncorrectCardType);
+  return false;
+}
 
 /// Ends in the faults of NumberToBytes.
 void CheckConversion(const Field& field);

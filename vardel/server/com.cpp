@@ -26,7 +26,7 @@ char32_t LeadingSurrogate(std::string_view text) {
   if (text.size() < 3 || byte(0) != 0xED || (byte(1) & 0xE0) != 0xA0 || (byte(2) & 0xC0) != 0x80) {
     return 0;
   }
-  return 0xD000 | (byte(1) & 0x3Fu) << 6 | (byte(2) & 0x3Fu);
+  return 0xD000 | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
 }
 
 }  // namespace
@@ -37,7 +37,7 @@ std::string Utf8(std::wstring_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t character = text[i];
     if (IsHighSurrogate(character) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
-      character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - 0xDC00u);
+      character = 0x10000 + ((character - 0xD800) << 10) + (text[++i] - 0xDC00U);
     }
     AppendUtf8(utf8, character);
   }

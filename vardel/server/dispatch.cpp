@@ -95,7 +95,7 @@ HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argu
     argument.passed.vt = static_cast<VARTYPE>(VT_BYREF | parameter.type);
     argument.passed.byref = &argument.value.llVal;
   } else {
-    std::memcpy(&argument.passed, &argument.value, sizeof(VARIANT));
+    argument.passed = argument.value;
   }
   return S_OK;
 }
@@ -190,7 +190,7 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
   if (FAILED(returned.lVal)) return RaiseException(returned.lVal, exception);
   if (answer.vt == VT_EMPTY && member.result.type != VT_VARIANT) answer.vt = member.result.type;
   if (result != nullptr) {
-    std::memcpy(result, &answer, sizeof(VARIANT));
+    *result = answer;
     answer.vt = VT_EMPTY;
   }
   return S_OK;

@@ -25,6 +25,7 @@ class Descriptor : public Base {
  public:
   using Base::Base;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types, which take none
 #define FIELD(n, name, type) PUT(n, name, type) GET(n, name, type)
 #define PUT(n, name, type)                                       \
   STDMETHODIMP put_##name(type value) override {                 \
@@ -65,6 +66,7 @@ class Descriptor : public Base {
       return Shared(this->core().name(read.get()));                      \
     });                                                                  \
   }
+// NOLINTEND(bugprone-macro-parentheses)
 #include <vardel/format/descriptor_members.inc>
 #undef PUT
 #undef GET
@@ -84,10 +86,12 @@ class Descriptor : public Base {
 };
 
 // The format classes' own interfaces have the same members under prefixed names.
+// NOLINTBEGIN(bugprone-macro-parentheses): types, which take none
 #define PUT(n, name, type) \
   STDMETHODIMP put_CCardFormatInfo_##name(type value) override { return this->put_##name(value); }
 #define GET(n, name, type) \
   STDMETHODIMP get_CCardFormatInfo_##name(type* value) override { return this->get_##name(value); }
+// NOLINTEND(bugprone-macro-parentheses)
 #define ACCESSOR(n, name, type) FIELD(n, name, type)
 #define READONLY(n, name, type) GET(n, name, type)
 #define INIT(n, name) \

@@ -120,20 +120,21 @@ class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject>
     *count = 1;
     return S_OK;
   }
-  STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
+  STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) override {
     if (info == nullptr) return E_POINTER;
     *info = nullptr;
     if (index != 0) return DISP_E_BADINDEX;
     return Guard(className_, [&] { *info = LoadTypeInfo(__uuidof(Default)).Detach(); });
   }
-  STDMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+  STDMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*locale*/,
+                             DISPID* ids) override {
     HRESULT status = S_OK;
     const HRESULT guarded = Guard(
         className_, [&] { status = server::GetIDsOfNames(Targets(), riid, names, count, ids); });
     return FAILED(guarded) ? guarded : status;
   }
-  STDMETHODIMP Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPARAMS* params, VARIANT* result,
-                      EXCEPINFO* exception, UINT* argumentError) override {
+  STDMETHODIMP Invoke(DISPID id, REFIID riid, LCID /*locale*/, WORD flags, DISPPARAMS* params,
+                      VARIANT* result, EXCEPINFO* exception, UINT* argumentError) override {
     const auto keep = ComPtr<IUnknown>::Share(Unknown());
     HRESULT status = S_OK;
     const HRESULT guarded = Guard(className_, [&] {

@@ -75,12 +75,18 @@ class RecordInfo final : public ComObject<IRecordInfo> {
     if (record == nullptr || name == nullptr || value == nullptr) return E_INVALIDARG;
     return EqualNames(name, kFieldName) ? GetBytes(record, value) : DISP_E_UNKNOWNNAME;
   }
-  STDMETHODIMP GetFieldNoCopy(PVOID, LPCOLESTR, VARIANT*, PVOID*) override { return E_NOTIMPL; }
-  STDMETHODIMP PutField(ULONG, PVOID record, LPCOLESTR name, VARIANT* value) override {
+  STDMETHODIMP GetFieldNoCopy(PVOID /*record*/, LPCOLESTR /*name*/, VARIANT* /*value*/,
+                              PVOID* /*data*/) override {
+    return E_NOTIMPL;
+  }
+  STDMETHODIMP PutField(ULONG /*flags*/, PVOID record, LPCOLESTR name, VARIANT* value) override {
     if (record == nullptr || name == nullptr) return E_INVALIDARG;
     return EqualNames(name, kFieldName) ? PutBytes(record, value) : DISP_E_UNKNOWNNAME;
   }
-  STDMETHODIMP PutFieldNoCopy(ULONG, PVOID, LPCOLESTR, VARIANT*) override { return E_NOTIMPL; }
+  STDMETHODIMP PutFieldNoCopy(ULONG /*flags*/, PVOID /*record*/, LPCOLESTR /*name*/,
+                              VARIANT* /*value*/) override {
+    return E_NOTIMPL;
+  }
   STDMETHODIMP GetFieldNames(ULONG* count, BSTR* names) override {
     if (count == nullptr) return E_INVALIDARG;
     if (names != nullptr && *count > 0) names[0] = SysAllocString(kFieldName);
@@ -89,7 +95,8 @@ class RecordInfo final : public ComObject<IRecordInfo> {
   }
   STDMETHODIMP_(WINBOOL) IsMatchingType(IRecordInfo* other) override {
     GUID guid{};
-    return other != nullptr && SUCCEEDED(other->GetGuid(&guid)) && guid == guid_;
+    const bool isSame = other != nullptr && SUCCEEDED(other->GetGuid(&guid)) && guid == guid_;
+    return isSame ? TRUE : FALSE;
   }
   STDMETHODIMP_(PVOID) RecordCreate() override {
     void* const record = CoTaskMemAlloc(kSize);

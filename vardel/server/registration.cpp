@@ -26,7 +26,7 @@ struct RegistryFailure {
 
 std::wstring Text(REFGUID guid) {
   wchar_t text[40];
-  return std::wstring(text, static_cast<std::size_t>(StringFromGUID2(guid, text, 40) - 1));
+  return {text, static_cast<std::size_t>(StringFromGUID2(guid, text, 40) - 1)};
 }
 
 class Classes {

@@ -20,7 +20,10 @@ class FrameFailure : public std::exception {
 };
 
 /// The status of a host fault: 0x800A0000 + its number.
-constexpr HRESULT StatusOfFault(int number) { return static_cast<HRESULT>(0x800A0000U + number); }
+constexpr HRESULT StatusOfFault(int number) {
+  constexpr auto kFaults = static_cast<HRESULT>(0x800A0000U);
+  return kFaults + number;
+}
 
 /// Turns the exception being handled into a status, with description and source left as this
 /// thread's error information. `className` is the class without its library's name.

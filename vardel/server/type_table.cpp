@@ -70,7 +70,7 @@ Member Describe(ITypeInfo* info, const FUNCDESC& function) {
   UINT count = 0;
   Require(info->GetNames(function.memid, names.data(), static_cast<UINT>(names.size()), &count));
   const auto takeName = [&](std::size_t i) {
-    const std::wstring name = names[i] == nullptr ? L"" : names[i];
+    std::wstring name = names[i] == nullptr ? L"" : names[i];
     SysFreeString(names[i]);
     return name;
   };

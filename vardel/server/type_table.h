@@ -9,8 +9,8 @@
 
 namespace vardel::server {
 
-/// The embedded type library, loaded with the first call and kept. Throws std::runtime_error where it
-/// cannot be loaded.
+/// The embedded type library, loaded with the first call and kept. Throws std::runtime_error where
+/// it cannot be loaded.
 ComPtr<ITypeLib> LoadTypeLibrary();
 /// Lets go of it before the DLL is unloaded.
 void DropTypeLibrary();
