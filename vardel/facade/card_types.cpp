@@ -50,14 +50,10 @@ CCardTypes::CCardTypes() {
 }
 
 bool CCardTypes::Insert(std::int32_t code, std::shared_ptr<CCardType> cardType) {
-  const auto [place, isNew] = places_.emplace(code, entries_.size());
-  if (!isNew) return false;
-  try {
-    entries_.push_back({code, std::move(cardType)});
-  } catch (...) {
-    places_.erase(place);
-    throw;
-  }
+  // Room comes first: without memory for it nothing changes, and with it the last step cannot fail.
+  if (entries_.size() == entries_.capacity()) entries_.reserve(2 * entries_.size() + 1);
+  if (!places_.emplace(code, entries_.size()).second) return false;
+  entries_.push_back({code, std::move(cardType)});
   return true;
 }
 
