@@ -9,8 +9,8 @@ void CCardByteData::InitCardData(std::int32_t ParamCardType) try {
   InitErr();
   CardType(ParamCardType);
   if (ErrNumber() == 0) CardDataStruct = {};
-} catch (const HostFault& fault) {
-  if (const auto error = Error()) error->MakeErr(kContentError, fault.what());
+} catch (const HostFault&) {
+  // There is no error object, and so none to record that on.
 }
 
 std::int32_t CCardByteData::CardDataByteCount() const {

@@ -15,8 +15,8 @@ class CCardByteData : public ErrorHolder {
  public:
   /// Starts over for a card of the given type: clears the error, puts the type and, when that is
   /// valid, zeroes the bytes. Records "Incorrect Card Type" for any type but 1, 2 and 3, the
-  /// default included, and then keeps bytes and type. Never throws: a host fault inside is recorded
-  /// under its description, as far as there is an error object to record it on.
+  /// default included, and then keeps bytes and type. Without an error object it does nothing, and
+  /// is no fault.
   void InitCardData(std::int32_t ParamCardType = CARD_UNKNOWN);
 
   std::int32_t CardType() const { return cardType_; }
