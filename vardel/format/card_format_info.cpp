@@ -5,7 +5,6 @@
 #include <vardel/format/format_parameters.h>
 
 #include <cmath>
-#include <limits>
 
 namespace vardel {
 namespace {
@@ -16,13 +15,6 @@ double MaxOf(const FieldParameters& field) {
 
 std::int16_t MaskLength(const std::string& mask) {
   return static_cast<std::int16_t>(CharCount(mask));
-}
-
-/// The sum of 16-bit counts has to be one itself.
-std::int16_t AddCounts(int left, int right) {
-  const int sum = left + right;
-  if (sum > std::numeric_limits<std::int16_t>::max()) throw HostFault(Fault::Overflow);
-  return static_cast<std::int16_t>(sum);
 }
 
 }  // namespace
@@ -58,7 +50,7 @@ CCardFormatInfo::CCardFormatInfo(const FormatParameters& parameters)
   CharCountFacility = MaskLength(MaskFacility);
   CharCountCardID = MaskLength(MaskCardID);
   CharCountRevision = MaskLength(MaskRevision);
-  CharCountTotal = AddCounts(AddCounts(CharCountRevision, CharCountCardID), CharCountFacility);
+  CharCountTotal = CharCountRevision + CharCountCardID + CharCountFacility;
   SidxFacility = parameters.Facility.Index.first;
   SidxCardID = parameters.CardID.Index.first;
   SidxRevision = parameters.Revision.Index.first;
