@@ -41,9 +41,7 @@ std::optional<double> DecimalValue(std::string_view whole, std::string_view frac
 
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error == std::errc()) {
-    return std::isfinite(value) ? std::optional(value) : std::nullopt;
-  }
+  if (error == std::errc()) return value;
   // Out of range says either too large or too small. The largest and the smallest double are 308
   // powers of ten away from 1, so the decimal exponent of the first non-zero digit tells which.
   std::int64_t power = 0;
