@@ -134,9 +134,10 @@ void CheckConversion(const Field& field);
 /// The lowest `count` bytes of 2^facilityAt x facility code + 2 x card number, computed in doubles
 /// as the fields are; whole fields whose sum is exact take the short way.
 inline std::uint64_t PackFields(const Fields& fields, int facilityAt, std::size_t count) {
-  constexpr std::int64_t kSmall = std::int64_t{1} << 30;  // the sum stays below 2^53
+  // With any card number, which has 15 digits at most, the sum stays below 2^53.
+  constexpr std::int64_t kSmall = std::int64_t{1} << 30;
   const bool areWhole = fields.facility.whole >= 0 && fields.cardID.whole >= 0;
-  if (areWhole && fields.facility.whole < kSmall && fields.cardID.whole < kSmall) {
+  if (areWhole && fields.facility.whole < kSmall) {
     const auto sum =
         static_cast<std::uint64_t>((fields.facility.whole << facilityAt) + 2 * fields.cardID.whole);
     return GetBits(sum, 0, static_cast<int>(8 * count));
