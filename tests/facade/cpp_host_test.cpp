@@ -37,6 +37,10 @@ TEST(CppHost, GetsCopiesThatShareNothing) {
   replaced->MakeErr(-1, "changed");
   EXPECT_EQ(copy.ErrName(), "original");
   EXPECT_EQ(assigned.ErrName(), "original");
+  original.Error(nullptr);
+  EXPECT_EQ(FaultOf([&] { CCardByteData(original).ErrName(); }), 91);
+  assigned = original;
+  EXPECT_EQ(assigned.Error(), nullptr);
 
   CCardFrame frame(CARD_HID, CARD_SUB_HID_STD, std::string(100, '7'));
   const CCardFrame kept = frame;
