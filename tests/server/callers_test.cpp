@@ -147,24 +147,22 @@ TEST_F(Callers, NameArgumentsAndPassReferences) {
 }
 
 TEST_F(Callers, KeepRecordsBeyondTheirObjectsAndTheModuleWithThem) {
-  Variant record;
+  Variant record, copy, bytes;
   {
     const auto raw = module_.Create<::_CCardByteData>(CLSID_CCardByteData);
     raw->put_CardArrDataByIndex(5, 0x77);
     ASSERT_EQ(Call(raw.get(), L"CardDataStruct", DISPATCH_PROPERTYGET, {}, &record).status, S_OK);
   }
-  ASSERT_EQ(record.vt, VT_RECORD);
   EXPECT_EQ(module_.CanUnloadNow(), S_FALSE) << "a record is left";
-  Variant copy;
   ASSERT_EQ(VariantCopy(&copy, &record), S_OK);
-  Variant bytes;
+  ASSERT_EQ(copy.vt, VT_RECORD);
   ASSERT_EQ(copy.pRecInfo->GetField(copy.pvRecord, L"bytes", &bytes), S_OK);
   ASSERT_EQ(bytes.vt, VT_ARRAY | VT_UI1);
-  EXPECT_EQ(static_cast<unsigned char*>(bytes.parray->pvData)[5], 0x77);
-  static_cast<unsigned char*>(bytes.parray->pvData)[31] = 0x11;
+  auto* const array = static_cast<unsigned char*>(bytes.parray->pvData);
+  EXPECT_EQ(std::exchange(array[5], static_cast<unsigned char>(0x11)), 0x77);
   EXPECT_EQ(copy.pRecInfo->PutField(0, copy.pvRecord, L"Bytes", &bytes), S_OK);
-  EXPECT_EQ(static_cast<unsigned char*>(copy.pvRecord)[31], 0x11);
-  EXPECT_EQ(static_cast<unsigned char*>(record.pvRecord)[31], 0);
+  EXPECT_EQ(static_cast<unsigned char*>(copy.pvRecord)[5], 0x11);
+  EXPECT_EQ(static_cast<unsigned char*>(record.pvRecord)[5], 0x77);
   EXPECT_EQ(copy.pRecInfo->PutField(0, copy.pvRecord, L"Other", &bytes), DISP_E_UNKNOWNNAME);
   EXPECT_TRUE(copy.pRecInfo->IsMatchingType(record.pRecInfo));
 }
