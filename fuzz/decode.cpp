@@ -64,24 +64,23 @@ Decoded Decode(const CardFormatClass& row, bool isReversed, const Frame& frame) 
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Input in(data, size);
-  const auto rows = CardFormatClasses();
-  const std::size_t index = in.Byte() % (rows.size() + 1);
+  const CardFormatClass* const row = in.Format();
   const bool isReversed = in.Take<bool>();
   const Frame frame(in);
-  if (index < rows.size()) {
-    Decode(rows[index], isReversed, frame);
+  if (row != nullptr) {
+    Decode(*row, isReversed, frame);
     return 0;
   }
 
   CCard facade;
   const bool isType = facade.IsCardType(frame.FrameCardType(), frame.FrameCardSubType());
   Decoded expected;
-  for (const CardFormatClass& row : rows.first(8)) {
-    facade.CardFormat(row.CardType, row.CardSubType)->IsCardArrayReversed = isReversed;
+  for (const CardFormatClass& each : CardFormatClasses().first(8)) {
+    facade.CardFormat(each.CardType, each.CardSubType)->IsCardArrayReversed = isReversed;
     if (isType
-            ? row.CardType == frame.FrameCardType() && row.CardSubType == frame.FrameCardSubType()
-            : row.CardType == CARD_EM && frame.IsEMFrame())
-      expected = Decode(row, isReversed, frame);
+            ? each.CardType == frame.FrameCardType() && each.CardSubType == frame.FrameCardSubType()
+            : each.CardType == CARD_EM && frame.IsEMFrame())
+      expected = Decode(each, isReversed, frame);
   }
   Check(Decode(frame, [&] { return facade.AnalyzeCardData(frame); }) == expected,
         "the facade decodes as its format");

@@ -67,6 +67,13 @@ class Input {
     return text;
   }
 
+  /// One of the formats, or null for the facade.
+  const CardFormatClass* Format() {
+    const auto rows = CardFormatClasses();
+    const std::size_t index = Byte() % (rows.size() + 1);
+    return index < rows.size() ? &rows[index] : nullptr;
+  }
+
   /// A card without texts, of a format's type pair or any other.
   CCardData Type() {
     const auto rows = CardFormatClasses();
