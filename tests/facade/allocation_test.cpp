@@ -22,7 +22,9 @@ TEST(Allocations, AreNotMadeByConversions) {
       {{0, "", CARD_EM, CARD_SUB_EM_STD_26BITS, "100", "12345", ""}, "7360C80200"},
       {{0, "", CARD_HID, CARD_SUB_HID_STD, "100", "12345", ""}, "7360C80200"},
       {{0, "", CARD_HID, CARD_SUB_HID_CORPORATES1000, "100", "12345", ""}, "7260800C06"}};
-  for (const auto& [card, hex] : rows) {
+  for (const auto& row : rows) {
+    const CCardData& card = row.first;
+    const std::string& hex = row.second;
     const CCardFrame frame(card.CardType, card.CardSubType, hex + std::string(54, '0'));
     const auto format = facade.CardFormat(card.CardType, card.CardSubType);
     CardDataStruct record;
