@@ -6,13 +6,13 @@
 #include <vardel/core/host_fault.h>
 #include <vardel/core/number.h>
 #include <vardel/core/text.h>
+#include <vardel/core/type_code.h>
 #include <vardel/facade/card.h>
 #include <vardel/facade/card_types.h>
 #include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
 
 #include <algorithm>
-#include <functional>
 #include <stdexcept>
 #include <type_traits>
 #include <typeindex>

@@ -20,8 +20,8 @@ constexpr std::array<std::uint8_t, 256> MakeDigitValues() {
   for (std::size_t value = 0; value < kDigits.size(); ++value) {
     const auto upper = static_cast<std::uint8_t>(kDigits[value]);
     values[upper] = static_cast<std::uint8_t>(value);
-    values[upper | 0x20] =
-        values[upper];  // digits have this bit already, letters become lower case
+    // Digits have this bit already, letters become lower case.
+    values[upper | 0x20] = values[upper];
   }
   return values;
 }

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <exception>
-#include <utility>
 
 namespace vardel {
 

@@ -44,8 +44,7 @@ inline std::uint64_t WordOf(std::string_view text) noexcept {
   return first | std::uint64_t{last} << 8 * (size - sizeof(last));
 }
 
-constexpr bool IsAscii(char c) noexcept { return static_cast<std::uint8_t>(c) < 0x80; }
-/// Whether all characters are, and so one byte long.
+/// Whether all characters are ASCII, and so one byte long.
 inline bool IsAscii(std::string_view text) noexcept {
   std::uint64_t seen = 0;
   for (; text.size() > 8; text.remove_prefix(8)) seen |= WordOf(text.substr(0, 8));

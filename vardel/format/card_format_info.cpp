@@ -1,5 +1,4 @@
 #include <vardel/core/host_fault.h>
-#include <vardel/core/number.h>
 #include <vardel/core/text.h>
 #include <vardel/format/card_format_info.h>
 #include <vardel/format/format_parameters.h>

@@ -4,7 +4,6 @@
 #include <vardel/core/byte_array_data.h>
 #include <vardel/core/card_data_struct.h>
 #include <vardel/core/frame.h>
-#include <vardel/core/type_code.h>
 
 #include <cstdint>
 #include <optional>

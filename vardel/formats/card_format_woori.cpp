@@ -43,11 +43,10 @@ constexpr FormatParameters kParameters = {
 }  // namespace
 
 CCardFormatWoori::CCardFormatWoori() : TextFormat(kParameters, kLayout) {
-  // Two hexadecimal digits per byte of each field. CharCountTotal keeps the sum of the mask
+  // Two hexadecimal digits per byte of these fields. CharCountTotal keeps the sum of the mask
   // lengths.
   CharCountFacility = 2;
   CharCountCardID = 26;
-  CharCountRevision = 2;
 }
 
 }  // namespace vardel

@@ -1,7 +1,6 @@
 #include <vardel/formats/layout_26bit.h>
 #include <vardel/formats/steps.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 

@@ -6,10 +6,7 @@
 #include <vardel/formats/steps.h>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstring>
-#include <string>
 
 namespace vardel::steps {
 namespace {

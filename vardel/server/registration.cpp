@@ -1,8 +1,8 @@
 #include <vardel/server/registration.h>
 #include <vardel/server/type_table.h>
 
+#include <exception>
 #include <functional>
-#include <stdexcept>
 
 namespace vardel::server {
 namespace {
