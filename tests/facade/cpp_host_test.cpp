@@ -47,6 +47,9 @@ TEST(CppHost, GetsCopiesThatShareNothing) {
   frame.RawCardHex(frame.RawCardHex().substr(2, 4));  // a part of its own text
   EXPECT_EQ(frame.RawCardHex(), "7777");
   EXPECT_EQ(kept.RawCardBytes()->size(), 50U);
+  CCardFrame source = kept;
+  const CCardFrame target = std::move(source);
+  EXPECT_EQ(source.RawCardBytes()->size(), 0U);
 }
 
 TEST(CppHost, HasItsFrameReadAsOftenAsTheFormatSays) {
