@@ -21,7 +21,7 @@ class CByteArrayData : public ErrorHolder {
 
   /// Always 0: callers take the length from HexString itself.
   std::int32_t HexCharCount() const { return 0; }
-  /// ByteCount - 1.
+  /// ByteCount - 1, so -1 for no bytes.
   std::int32_t LastArrayIndex() const { return lastArrayIndex_; }
 
   /// Bitwise OR of the bytes, 0..255. Putting a value outside that range is fault 6.
@@ -31,9 +31,9 @@ class CByteArrayData : public ErrorHolder {
   std::int32_t ByteAND() const { return byteAnd_; }
   void ByteAND(std::int32_t value);
 
-  /// The bytes as upper-case hexadecimal text, two digits per byte.
+  /// The bytes as upper-case hexadecimal text, two digits per byte, first byte first.
   std::string HexString;
-  /// The bytes as characters.
+  /// The bytes as characters, by their codes in Windows-1252.
   std::string ChrString;
 
   /// The bytes are neither all 00 nor all FF, the two patterns of a read without a card.

@@ -15,7 +15,7 @@ namespace vardel {
 class CCardFrame final : public ICardFrame {
  public:
   CCardFrame() = default;
-  /// `rawCardHex` as in the put of RawCardHex.
+  /// `rawCardHex` as in the put of RawCardHex, fault 13 included.
   CCardFrame(std::int32_t cardType, std::int32_t cardSubType, std::string_view rawCardHex,
              bool isEMFrame = false);
 
@@ -26,12 +26,13 @@ class CCardFrame final : public ICardFrame {
   bool IsEMFrame() const override { return isEMFrame_; }
   void IsEMFrame(bool value) { isEMFrame_ = value; }
 
+  /// The bytes of the text, never nothing.
   RawBytes RawCardBytes() const override { return bytes_; }
   std::string_view RawCardHex() const override { return hex_; }
-  /// Sets the text and the bytes. Text that is not whole pairs of hexadecimal digits is fault 13
-  /// and changes nothing.
+  /// Sets the text, of any length and in either case, and the bytes, first byte first. Text that is
+  /// not whole pairs of hexadecimal digits is fault 13 and changes nothing.
   void RawCardHex(std::string_view hex);
-  /// Sets the text and the bytes to those of an encoded record.
+  /// Sets the text and the bytes to all 32 of an encoded record.
   void CardDataStruct(const vardel::CardDataStruct& record);
 
  private:

@@ -9,7 +9,7 @@
 
 namespace vardel {
 
-/// The texts that the library records, always with number -1.
+/// The texts that the library records, always with number kContentError.
 namespace message {
 inline constexpr std::string_view kUnknownCardType = "Unknown Card Type";
 inline constexpr std::string_view kIncorrectCardType = "Incorrect Card Type";
@@ -17,7 +17,9 @@ inline constexpr std::string_view kIncorrectFacilityCode = "Incorrect Facility C
 inline constexpr std::string_view kIncorrectCardID = "Incorrect Card ID";
 inline constexpr std::string_view kTooSmallCardData = "Too Small Card Data";
 inline constexpr std::string_view kIncorrectByteCount = "Incorrect Byte Count";
-/// Reserved beside the others; no operation comes to record them.
+inline constexpr std::string_view kNoCardTypeToAdd = "No card type to add";
+inline constexpr std::string_view kCardTypeCodePresent = "The card type code is already present";
+// Reserved beside the others; no operation comes to record them.
 inline constexpr std::string_view kExceedLimit = "Wrong Card ID : Exceed Limit";
 inline constexpr std::string_view kIncorrectCardRevision = "Incorrect Card Revision";
 }  // namespace message
@@ -25,7 +27,7 @@ inline constexpr std::string_view kIncorrectCardRevision = "Incorrect Card Revis
 /// Number of every recorded content error.
 inline constexpr std::int32_t kContentError = -1;
 
-/// A recorded content error. Nothing here can fail.
+/// An error record. Nothing here can fail.
 class CError {
  public:
   /// Message of the last recorded error; "" when there is none.
@@ -44,11 +46,13 @@ class CError {
 
 /// The error members of a class that contains a CError. The contained object can be handed out and
 /// replaced, so that several objects share one record; until someone asks for it, it lives inside
-/// its owner. Every member but `Error` ends in fault 91 while the contained object is null.
+/// its owner. While the contained object is null, every member here but `Error` ends in fault 91,
+/// and so does every member of the owner that clears or records an error.
 ///
 /// A copy takes the error's content into a CError of its own: copies never share a record.
 class ErrorHolder {
  public:
+  /// As the contained object's pair: "" and 0 when there is no error. A put checks nothing.
   const std::string& ErrName() const { return Contained().ErrName; }
   void ErrName(std::string_view name) { Contained().ErrName = name; }
   std::int32_t ErrNumber() const { return Contained().ErrNumber; }
@@ -59,6 +63,7 @@ class ErrorHolder {
   /// Replaces the contained object by the caller's.
   void Error(std::shared_ptr<CError> error) { error_ = std::move(error); }
 
+  /// As the contained object's.
   void InitErr() { Contained().InitErr(); }
   void MakeErr(std::int32_t ErrCode, std::string_view ErrMsg) {
     Contained().MakeErr(ErrCode, ErrMsg);

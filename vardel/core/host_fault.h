@@ -7,9 +7,9 @@ namespace vardel {
 
 /// The numbers under which a call can fail.
 enum class Fault : std::int32_t {
-  InvalidCall = 5,  ///< a character taken from an empty text, a negative text length
-  Overflow = 6,     ///< a value that does not fit its type, a character without a code
-  OutOfMemory = 7,
+  InvalidCall = 5,       ///< a character taken from an empty text, a negative text length
+  Overflow = 6,          ///< a value that does not fit its type, a character without a code
+  OutOfMemory = 7,       ///< never thrown: the library lets std::bad_alloc pass
   OutOfRange = 9,        ///< an index or size out of range
   TypeMismatch = 13,     ///< non-numeric value, malformed hexadecimal text, wrong kind of argument
   ObjectNotSet = 91,     ///< a call on an object that is not set

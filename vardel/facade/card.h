@@ -15,7 +15,8 @@ namespace vardel {
 
 /// The entry point: picks the format of a card's type pair and converts with it. It makes one
 /// object of each of its formats and keeps them; hosts keep one facade rather than make one per
-/// card.
+/// card. Copies of a facade share its formats. No object of the library may be used by two threads
+/// at once: each thread has a facade of its own, and the formats of that.
 class CCard {
  public:
   CCard();
@@ -47,14 +48,14 @@ class CCard {
 
   /// Encodes a card. A pair that IsCardType refuses gives a blank result and "Unknown Card Type" on
   /// the facade, whose error is otherwise cleared. The format's error pair, an old one included, is
-  /// copied onto the result. A null card is fault 91.
+  /// copied onto the result. A null card is fault 91; faults of the format pass to the caller.
   CCardByteData MakeCardData(const CCardData& InCardData) { return MakeCardData(&InCardData); }
   CCardByteData MakeCardData(const CCardData* InCardData);
 
   /// Decodes a read with the format of its pair, or with EM standard when IsCardType refuses the
   /// pair and the frame says IsEMFrame; a read that is neither gives a blank card without an error.
-  /// The facade's error is left alone. A null frame is fault 91; faults of the format and failures
-  /// of the frame pass to the caller.
+  /// The facade's error is left alone, and so is that of the format. A null frame is fault 91;
+  /// faults of the format and failures of the frame pass to the caller.
   CCardData AnalyzeCardData(const ICardFrame& UFrame) const { return AnalyzeCardData(&UFrame); }
   CCardData AnalyzeCardData(const ICardFrame* UFrame) const;
 

@@ -23,7 +23,7 @@ class CCardType : public ErrorHolder {
 
   const std::string& DefaultShortName() const { return defaultShortName_; }
   const std::string& DefaultName() const { return defaultName_; }
-  /// CardType x 256 + CardSubType.
+  /// CardType x 256 + CardSubType; 0 in a new entry, like the pair, which no put changes.
   std::int32_t TypeCode() const { return typeCode_; }
   std::int32_t CardType() const { return cardType_; }
   /// 0 for an entry that stands for a whole main type.

@@ -80,11 +80,11 @@ std::shared_ptr<CCardType> CCardTypes::FindForPut(std::string_view key) {
 
 bool CCardTypes::Add(std::shared_ptr<CCardType> NewCardType, std::int32_t InCardTypeCode) {
   if (NewCardType == nullptr) {
-    MakeErr(kContentError, "No card type to add");
+    MakeErr(kContentError, message::kNoCardTypeToAdd);
     return false;
   }
   if (!Insert(InCardTypeCode, std::move(NewCardType))) {
-    MakeErr(kContentError, "The card type code is already present");
+    MakeErr(kContentError, message::kCardTypeCodePresent);
     return false;
   }
   InitErr();

@@ -23,14 +23,15 @@ class CCardTypes : public ErrorHolder {
  public:
   CCardTypes();
 
-  /// Adds an entry under a code of the caller's choice and clears the error. A code that is taken,
-  /// or no entry, gives false and a recorded error; the registry is then unchanged.
+  /// Adds an entry under a code of the caller's choice and clears the error. A code that is taken
+  /// records "The card type code is already present", a null entry "No card type to add"; both give
+  /// false and leave the registry unchanged.
   bool Add(std::shared_ptr<CCardType> NewCardType, std::int32_t InCardTypeCode);
-  /// The error is left alone.
+  /// An entry is there under the pair's code. The error is left alone.
   bool IsExisted(std::int32_t InCardType, std::int32_t InCardSubType) const;
 
-  /// A miss records "Unknown Card Type" and gives a new entry that is not added; a hit leaves the
-  /// error alone.
+  /// A miss records "Unknown Card Type" and gives a new entry, IsAvailable true, that is not added;
+  /// a hit leaves the error alone.
   std::shared_ptr<CCardType> CardTypeByCode(std::int32_t InCardTypeCode);
   /// A miss gives a new entry with IsAvailable false that is not added, and records nothing; a hit
   /// clears the error.

@@ -30,8 +30,9 @@ class CCardFormatInfo : public ErrorHolder {
   CCardFormatInfo& operator=(const CCardFormatInfo&) = delete;
   virtual ~CCardFormatInfo() = default;
 
-  /// Encode with the most significant byte first. The decoders of HID 34-bit and DongSeo turn the
-  /// read around; all others ignore the flag, and so does the encoder of HID 34-bit.
+  /// Encode with all 32 bytes of the record in reverse order, Mifare UID with its 4 alone. The
+  /// decoders of HID 34-bit and DongSeo turn the read around; all others ignore the flag, and so
+  /// does the encoder of HID 34-bit.
   bool IsCardArrayReversed = false;
   bool IsSmartCard() const { return isSmartCard_; }
 
@@ -97,15 +98,16 @@ class CCardFormatInfo : public ErrorHolder {
   virtual bool IsCardIDValid(std::string_view InData) const;
 
   /// Encodes a card. Content errors are recorded on the format and give an all-zero record; success
-  /// does not clear an earlier error (DongSeo alone clears first). The base gives an all-zero
-  /// record and records nothing. A null card is fault 91.
+  /// does not clear an earlier error (DongSeo alone clears first, and may give a record beside an
+  /// error). The base gives an all-zero record and records nothing. A null card is fault 91.
   vardel::CardDataStruct MakeCardData(const CCardData& CardData);
   vardel::CardDataStruct MakeCardData(const CCardData* CardData);
 
-  /// Decodes a read. Content errors are recorded on the result; a blank read (all bytes 00 or all
-  /// FF) has empty fields and no error. The base gives nothing. Malformed or short hexadecimal text
-  /// is fault 13, and so are bytes that are no array (to HID 34-bit they are a blank read); a null
-  /// frame is fault 91.
+  /// Decodes a read. Too few bytes record "Too Small Card Data" on the result, whose fields stay
+  /// empty (in HID 34-bit they are fault 9); a blank read (all bytes 00 or all FF) has empty fields
+  /// and no error. Only the base gives nothing. Malformed or short hexadecimal text is fault 13,
+  /// and so are bytes that are no array (to HID 34-bit they are a blank read); a null frame is
+  /// fault 91. What the frame throws passes to the caller.
   std::optional<CCardData> AnalyzeCardData(const ICardFrame& UserInfo);
   std::optional<CCardData> AnalyzeCardData(const ICardFrame* UserInfo);
 
@@ -115,7 +117,8 @@ class CCardFormatInfo : public ErrorHolder {
  private:
   friend class CCard;
 
-  /// Encodes into a record of zeros, and leaves it so where a content error is recorded.
+  /// Encodes into a record of zeros; where a content error is recorded, it stays so in all formats
+  /// but DongSeo.
   virtual void Encode(const CCardData& card, vardel::CardDataStruct& record);
   /// Decodes into a new card; false gives none.
   virtual bool Decode(const ICardFrame& frame, CCardData& result);

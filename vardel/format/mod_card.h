@@ -33,7 +33,7 @@ std::string ByteArrayToNumberText(std::span<const std::uint8_t> Bytes);
 
 /// A number as little-endian bytes by repeated division by 256; 0 gives one zero byte. The
 /// remainder of a fractional number is rounded into its byte (ties to even). Fault 6 where a
-/// remainder does not fit a byte (a negative number, 255.5) and for infinities; fault 13 for
+/// remainder does not fit a byte (a negative number, 255.5), for infinities and NaN; fault 13 for
 /// non-numeric text.
 ByteArray NumberToBytesByByte(double Value);
 ByteArray NumberToBytesByByte(std::string_view Value);
@@ -50,7 +50,7 @@ ByteArray ReverseBytes(std::span<const std::uint8_t> Bytes);
 CardDataStruct MakeCardDataStruct(std::span<const std::uint8_t> Bytes, bool Reversed);
 
 /// Describes the bytes: count, OR, AND, hexadecimal text and character text (a zero byte as a
-/// blank). No byte array gives an empty description.
+/// blank). No byte array gives a new, empty description.
 CByteArrayData MakeByteArrayData(RawBytes Bytes);
 
 }  // namespace vardel

@@ -21,6 +21,9 @@ class RevisionValidator {
 };
 
 /// A format whose facility code and card number are numbers, held against the descriptor's limits.
+/// An encode does not look at the card's type; it records "Incorrect Facility Code" or else
+/// "Incorrect Card ID". A fraction that does not fit its byte when rounded is fault 6. A read needs
+/// 6 bytes, in HID 34-bit 5.
 class LimitCheckedFormat : public CCardFormatInfo {
  public:
   /// The text is numeric and MinFacility <= value <= MaxFacility.
@@ -43,7 +46,10 @@ class FacilitylessFormat : public CCardFormatInfo {
 };
 
 /// A smart-card format whose fields lie on the card as text, one Windows-1252 character per byte.
-/// Decoded cards carry type 0; their fields are not trimmed, and a zero byte reads as a blank.
+/// An encode tests the card's type pair alone ("Incorrect Card Type"); a text that is too long
+/// gives its first characters, the revision its last two, and a character without a code is
+/// fault 6. A read needs 16 bytes. Decoded cards carry type 0 and sub-type 0; their fields are not
+/// trimmed, and a zero byte reads as a blank.
 class TextFormat : public CCardFormatInfo, public RevisionValidator {
  public:
   /// Without its blanks, the text is neither "" nor "0".
@@ -62,7 +68,8 @@ class TextFormat : public CCardFormatInfo, public RevisionValidator {
   const TextLayout& layout_;
 };
 
-/// EM standard 26-bit: facility code 1..255, card number 1..65535.
+/// EM standard 26-bit: facility code 1..255, card number 1..65535. The ranges given here are the
+/// limits of a new format object.
 class CCardFormatEM final : public LimitCheckedFormat {
  public:
   CCardFormatEM();
@@ -84,7 +91,8 @@ class CCardFormatHIDStandard final : public LimitCheckedFormat {
 };
 
 /// HID full binary 26-bit: the whole value is the card number (1..67108863). It only decodes: every
-/// accepted number ends MakeCardData in fault 9. Decoded cards carry type 0.
+/// accepted number ends MakeCardData in fault 9, any other records "Incorrect Card ID". A read
+/// needs 6 bytes, all of which count. Decoded cards carry type 0 and sub-type 0.
 class CCardFormatBinary26 final : public FacilitylessFormat {
  public:
   CCardFormatBinary26();
@@ -96,7 +104,8 @@ class CCardFormatBinary26 final : public FacilitylessFormat {
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
-/// HID 37-bit: facility code 1..65535, card number 1..524287. Decoded cards carry type 0.
+/// HID 37-bit: facility code 1..65535, card number 1..524287. Decoded cards carry type 0 and
+/// sub-type 0.
 class CCardFormat37Bits final : public LimitCheckedFormat {
  public:
   CCardFormat37Bits();
@@ -107,7 +116,7 @@ class CCardFormat37Bits final : public LimitCheckedFormat {
 };
 
 /// HID Corporate 1000, 35-bit: facility code 1..65535, of which a card keeps the low 12 bits; card
-/// number 1..524287. Decoded cards carry type 0.
+/// number 1..524287. Decoded cards carry type 0 and sub-type 0.
 class CCardFormatHIDCorp1000 final : public LimitCheckedFormat {
  public:
   CCardFormatHIDCorp1000();
@@ -134,8 +143,9 @@ class CCardFormat34Bits final : public LimitCheckedFormat, public RevisionValida
 };
 
 /// Mifare 32-bit UID: the card number is the UID; there is no facility code and no revision. An
-/// encode checks no range: the number is taken modulo 2^32, a negative one is fault 6, text that is
-/// not numeric is fault 13. A read needs 16 bytes, of which 4 count.
+/// encode checks the card's type pair ("Incorrect Card Type") and no range: the number is taken
+/// modulo 2^32, a negative one is fault 6, text that is not numeric is fault 13. A read needs 16
+/// bytes, of which the first 4 count, least significant first.
 class CCardFormatUID32BIts final : public FacilitylessFormat, public RevisionValidator {
  public:
   CCardFormatUID32BIts();
@@ -149,10 +159,12 @@ class CCardFormatUID32BIts final : public FacilitylessFormat, public RevisionVal
   bool Decode(const ICardFrame& frame, CCardData& result) override;
 };
 
-/// DongSeo hospital: 8 characters card number, 2 revision, both stored backwards. An encode clears
-/// the error pair first; a bad card number is recorded and the record still made, a bad revision is
-/// silently left out, a revision of one character is fault 5. It decodes the raw bytes, not their
-/// text; a read of 9 bytes is fault 9.
+/// DongSeo hospital: 8 characters card number, 2 revision, both stored backwards, one Windows-1252
+/// character per byte. An encode clears the error pair first and tests the card's type pair
+/// ("Incorrect Card Type"); a bad card number is recorded ("Incorrect Card ID") and the record
+/// still made, a bad revision is silently left out, a valid one of one character is fault 5, a
+/// character without a code fault 6. It decodes the raw bytes, not their text: "Too Small Card
+/// Data" for 8 or fewer, fault 9 for 9 that are not blank.
 class CCardFormatDongSeo final : public FacilitylessFormat, public RevisionValidator {
  public:
   CCardFormatDongSeo();
