@@ -76,6 +76,9 @@ struct Variant : VARIANT {
   ~Variant() { VariantClear(this); }
 };
 
+/// Numbers and texts convert alike wherever a host runs: as in US English.
+inline constexpr LCID kOneLocale = 0x0409;
+
 /// UTF-8 of a BSTR's text; null is "". Unpaired surrogates pass in their three-byte form, so that
 /// text which is only stored comes back as it was.
 std::string Utf8(std::wstring_view text);

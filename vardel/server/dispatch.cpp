@@ -10,9 +10,6 @@
 namespace vardel::server {
 namespace {
 
-/// Numbers and texts convert alike wherever a host runs.
-constexpr LCID kNeutralLocale = 0x0409;
-
 /// The value behind variants by reference; null where a reference leads nowhere.
 const VARIANT* Unwrap(const VARIANT* argument) {
   while (argument != nullptr && argument->vt == (VT_BYREF | VT_VARIANT)) {
@@ -89,7 +86,7 @@ HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argu
   const HRESULT status = parameter.type == VT_DISPATCH
                              ? ConvertObject(source, parameter, argument.value)
                              : VariantChangeTypeEx(&argument.value, const_cast<VARIANT*>(&source),
-                                                   kNeutralLocale, 0, parameter.type);
+                                                   kOneLocale, 0, parameter.type);
   if (FAILED(status)) return status;
   if (parameter.isByRef) {
     argument.passed.vt = static_cast<VARTYPE>(VT_BYREF | parameter.type);
