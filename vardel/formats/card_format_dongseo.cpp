@@ -8,6 +8,7 @@
 #include <vardel/formats/characters.h>
 #include <vardel/formats/steps.h>
 
+#include <cstddef>
 #include <iterator>
 
 namespace vardel {
@@ -53,11 +54,7 @@ bool CCardFormatDongSeo::IsCardIDValid(std::string_view InData) const {
   }
   const std::string_view text = TrimBlanks(InData);
   if (text.empty()) return false;
-  // No text has more characters than bytes.
-  if (std::ssize(text) > CharCountCardID &&
-      static_cast<std::ptrdiff_t>(CharCount(text)) > CharCountCardID) {
-    return false;
-  }
+  if (static_cast<std::ptrdiff_t>(CharCount(text)) > CharCountCardID) return false;
   return !IsNumberWithin(text, 0, 0);  // letters pass, and so do negative numbers
 }
 
