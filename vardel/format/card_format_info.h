@@ -22,7 +22,9 @@ struct FormatParameters;
 /// format; a value that does not fit its use ends the call in fault 9 (a size or an index), 5 (a
 /// text length) or 6 (a number), with nothing changed.
 ///
-/// Byte indexes count from the least significant byte of the card value; -1 means no such field.
+/// Byte indexes count from the least significant byte of the card value; -1 means no such field (0
+/// in Mifare UID and DongSeo). They and the masks, names, bit counts and totals are for callers: no
+/// operation reads them.
 class CCardFormatInfo : public ErrorHolder {
  public:
   CCardFormatInfo() = default;

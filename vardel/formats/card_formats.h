@@ -164,7 +164,8 @@ class CCardFormatUID32BIts final : public FacilitylessFormat, public RevisionVal
 /// ("Incorrect Card Type"); a bad card number is recorded ("Incorrect Card ID") and the record
 /// still made, a bad revision is silently left out, a valid one of one character is fault 5, a
 /// character without a code fault 6. It decodes the raw bytes, not their text: "Too Small Card
-/// Data" for 8 or fewer, fault 9 for 9 that are not blank.
+/// Data" for 8 or fewer, fault 9 for 9 that are not blank. There is no facility code, though a mask
+/// stands there; the revision has none.
 class CCardFormatDongSeo final : public FacilitylessFormat, public RevisionValidator {
  public:
   CCardFormatDongSeo();

@@ -108,7 +108,7 @@ enum class Unused { Skip, Convert };
 /// AcceptFields without the short way.
 bool AcceptAnyFields(CCardFormatInfo& format, const CCardData& card, Unused unused, Fields& fields);
 
-/// The same for the facility code and then the card number.
+/// As AcceptCardID, for the facility code and then the card number.
 inline bool AcceptFields(CCardFormatInfo& format, const CCardData& card, Unused unused,
                          Fields& fields) {
   // Digits within the limits leave nothing to record and nothing that a conversion could refuse.
