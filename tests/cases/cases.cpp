@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
 #include <stdexcept>
 
 namespace vardel {
@@ -94,20 +93,10 @@ class Runner {
     } else if (keyword == "reset") {
       settings_.clear();
       host_.Reset();
-    } else if (keyword == "param") {
-      NewFormat();
-      EXPECT_EQ(Get("format", head.at(1).text), Show({head.at(2)}));
     } else if (keyword == "encode") {
       Encode({head.begin() + 1, head.end()}, words);
     } else if (keyword == "decode") {
       Decode({head.begin() + 1, head.end()}, words);
-    } else if (keyword == "valid") {
-      const std::map<std::string, std::string> members = {{"facility", "IsFacilityValid"},
-                                                          {"cardid", "IsCardIDValid"},
-                                                          {"revision", "IsRevisionValid"}};
-      NewFormat();
-      EXPECT_EQ(host_.Run({"format", members.at(head.at(1).text), {head.at(2)}}),
-                words.at(0).text == "yes" ? "True" : "False");
     } else {
       Statement(std::move(head), words);
     }
@@ -130,15 +119,20 @@ class Runner {
     EXPECT_EQ(host_.Run({object, member, {value}, true}), "") << member;
   }
 
+  /// The two words of TYPE/SUB.
+  static Words TypeOf(const Word& pair) {
+    const std::size_t slash = pair.text.find('/');
+    return {{pair.text.substr(0, slash)}, {pair.text.substr(slash + 1)}};
+  }
   /// A new card of TYPE/SUB FACILITY CARDID REVISION.
   void NewCard(const std::string& name, const Words& fields) {
-    const std::string& pair = fields.at(0).text;
+    Words values = TypeOf(fields.at(0));
+    values.insert(values.end(), fields.begin() + 1, fields.end());
     host_.New(name, "CCardData");
-    Put(name, "CardType", {pair.substr(0, pair.find('/'))});
-    Put(name, "CardSubType", {pair.substr(pair.find('/') + 1)});
-    Put(name, "Facility", fields.at(1));
-    Put(name, "CardID", fields.at(2));
-    Put(name, "Revision", fields.at(3));
+    std::size_t i = 0;
+    for (const char* member : {"CardType", "CardSubType", "Facility", "CardID", "Revision"}) {
+      Put(name, member, values.at(i++));
+    }
   }
 
   void ApplySettings(const std::string& format) {
@@ -171,8 +165,7 @@ class Runner {
     EXPECT_EQ(Err("format"), error);
 
     host_.New("facade", "CCard");
-    const std::string& pair = card.at(0).text;
-    const Words type = {{pair.substr(0, pair.find('/'))}, {pair.substr(pair.find('/') + 1)}};
+    const Words type = TypeOf(card.at(0));
     if (host_.Run({"facade", "IsCardType", type}) != "True") return;
     host_.Run({"facade", "CardFormat", type, false, "registered"});
     ApplySettings("registered");
@@ -219,6 +212,7 @@ class Runner {
     if (dot == what.npos) return host_.New(name, what);
 
     Call call{what.substr(0, dot), what.substr(dot + 1), TakeUntil(words, ":="), false, name};
+    if (call.object == "format" && !format_.empty()) NewFormat();
     call.isPut = !words.empty();
     call.arguments.insert(call.arguments.end(), words.begin(), words.end());
     const std::string result = call.member == "Err"    ? Err(call.object)

@@ -24,13 +24,12 @@
 /// Files for one card format have cases of their own, each with a new format object:
 ///
 ///   format CLASS                            the class that the cases are for
-///   param NAME VALUE                        a value of a new format object
 ///   set NAME VALUE                          put before each of the following cases, until reset
+///   format.Member ARGUMENT... => ANSWER
 ///   encode TYPE/SUB FACILITY CARDID REVISION => BYTES
 ///   decode BYTES => TYPE/SUB FACILITY CARDID REVISION
 ///   decode BYTES text TEXT => ...           hexadecimal text that differs from the bytes
 ///   decode none text TEXT => ...            a frame without a byte array
-///   valid facility|cardid|revision TEXT => yes|no
 ///
 /// Before its normal answer, or instead of it, an encode or decode may give `error MESSAGE`. BYTES
 /// are hexadecimal digits, 'ASCII' characters and XX*COUNT in any mix; a record's remaining bytes

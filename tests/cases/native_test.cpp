@@ -30,7 +30,7 @@ INSTANTIATE_TEST_SUITE_P(Functions, NativeCases, testing::ValuesIn(CaseFiles("ca
                          TestName);
 
 TEST(FormatCases, CoverEveryFormatWithEveryKindOfCaseAndEveryParameter) {
-#define FIELD(n, name, type) "param " #name,
+#define FIELD(n, name, type) "format." #name " =>",
 #define GET(n, name, type) FIELD(n, name, type)
 #define ACCESSOR(n, name, type) FIELD(n, name, type)
 #define READONLY(n, name, type) FIELD(n, name, type)
@@ -38,7 +38,7 @@ TEST(FormatCases, CoverEveryFormatWithEveryKindOfCaseAndEveryParameter) {
 #define INIT(n, name)
 #define VALIDATOR(n, name)
 #define ENCODER(n, name) "encode", "encode",
-#define DECODER(n, name) "decode", "decode", "valid", "valid",
+#define DECODER(n, name) "decode", "decode", "format.IsFacilityValid", "format.IsCardIDValid",
   const std::vector<std::string> expected = {
 #include <vardel/format/descriptor_members.inc>
   };

@@ -10,40 +10,34 @@ namespace vardel::server {
 namespace {
 
 using Binding = ServerHost::Binding;
+using Case = std::pair<std::string, Binding>;
 
-class ServerCases : public testing::TestWithParam<std::tuple<std::string, Binding>> {
- protected:
-  void RunWith(Binding binding) {
-    const ServerModule module;
-    ServerHost host(module, binding);
-    RunCases(std::get<0>(GetParam()), host);
+std::vector<Case> AllCases() {
+  std::vector<Case> cases;
+  for (const char* folder : {"cases/formats", "cases/classes", "server/cases"}) {
+    for (const std::string& path : CaseFiles(folder)) {
+      cases.insert(cases.end(), {{path, Binding::Late}, {path, Binding::Early}});
+    }
   }
-};
-
-TEST_P(ServerCases, Hold) { RunWith(std::get<1>(GetParam())); }
-
-std::string TestName(const testing::TestParamInfo<std::tuple<std::string, Binding>>& info) {
-  const auto& [path, binding] = info.param;
-  return std::filesystem::path(path).stem().string() +
-         (binding == Binding::Late ? "_late" : "_early");
+  for (const std::string& path : CaseFiles("server/cases/late")) {
+    cases.emplace_back(path, Binding::Late);
+  }
+  return cases;
 }
-const auto kBothBindings = testing::Values(Binding::Late, Binding::Early);
-INSTANTIATE_TEST_SUITE_P(Formats, ServerCases,
-                         testing::Combine(testing::ValuesIn(CaseFiles("cases/formats")),
-                                          kBothBindings),
-                         TestName);
-INSTANTIATE_TEST_SUITE_P(Classes, ServerCases,
-                         testing::Combine(testing::ValuesIn(CaseFiles("cases/classes")),
-                                          kBothBindings),
-                         TestName);
-INSTANTIATE_TEST_SUITE_P(Objects, ServerCases,
-                         testing::Combine(testing::ValuesIn(CaseFiles("server/cases")),
-                                          kBothBindings),
-                         TestName);
-INSTANTIATE_TEST_SUITE_P(Scripts, ServerCases,
-                         testing::Combine(testing::ValuesIn(CaseFiles("server/cases/late")),
-                                          testing::Values(Binding::Late)),
-                         TestName);
+
+class ServerCases : public testing::TestWithParam<Case> {};
+
+TEST_P(ServerCases, Hold) {
+  const ServerModule module;
+  ServerHost host(module, GetParam().second);
+  RunCases(GetParam().first, host);
+}
+
+std::string NameOf(const testing::TestParamInfo<Case>& test) {
+  const bool isLate = test.param.second == Binding::Late;
+  return std::filesystem::path(test.param.first).stem().string() + (isLate ? "_late" : "_early");
+}
+INSTANTIATE_TEST_SUITE_P(Of, ServerCases, testing::ValuesIn(AllCases()), NameOf);
 
 }  // namespace
 }  // namespace vardel::server
