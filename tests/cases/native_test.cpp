@@ -22,12 +22,10 @@ TEST_P(NativeCases, Hold) {
 std::string TestName(const testing::TestParamInfo<std::string>& info) {
   return std::filesystem::path(info.param).stem().string();
 }
-INSTANTIATE_TEST_SUITE_P(Formats, NativeCases, testing::ValuesIn(CaseFiles("cases/formats")),
-                         TestName);
-INSTANTIATE_TEST_SUITE_P(Classes, NativeCases, testing::ValuesIn(CaseFiles("cases/classes")),
-                         TestName);
-INSTANTIATE_TEST_SUITE_P(Functions, NativeCases, testing::ValuesIn(CaseFiles("cases/functions")),
-                         TestName);
+const auto kFilesIn = [](const char* folder) { return testing::ValuesIn(CaseFiles(folder)); };
+INSTANTIATE_TEST_SUITE_P(Formats, NativeCases, kFilesIn("cases/formats"), TestName);
+INSTANTIATE_TEST_SUITE_P(Classes, NativeCases, kFilesIn("cases/classes"), TestName);
+INSTANTIATE_TEST_SUITE_P(Functions, NativeCases, kFilesIn("cases/functions"), TestName);
 
 TEST(FormatCases, CoverEveryFormatWithEveryKindOfCaseAndEveryParameter) {
 #define FIELD(n, name, type) "format." #name " =>",

@@ -1,4 +1,3 @@
-#include "tests/support/fault_of.h"
 #include "tests/support/test_frame.h"
 #include <vardel/core/card_frame.h>
 #include <vardel/core/number.h>
@@ -14,6 +13,14 @@
 // says.
 namespace vardel {
 namespace {
+
+/// The number of the fault that ends the call, or 0.
+int FaultOf(const auto& call) try {
+  call();
+  return 0;
+} catch (const HostFault& fault) {
+  return static_cast<int>(fault.Number());
+}
 
 TEST(CppHost, FindsExactlyTheFormatsOfTheFacadeList) {
   const CCard facade;

@@ -4,6 +4,29 @@ namespace vardel::server {
 
 HINSTANCE moduleInstance = nullptr;
 
+namespace {
+
+/// An exception; the texts are taken over.
+Outcome Exception(HRESULT status, BSTR description, BSTR source) {
+  const bool isFault = HRESULT_FACILITY(status) == FACILITY_CONTROL;
+  const Outcome outcome{DISP_E_EXCEPTION, isFault ? status & 0xFFFF : status,
+                        Wide(Utf8(description)), Wide(Utf8(source))};
+  SysFreeString(description);
+  SysFreeString(source);
+  return outcome;
+}
+
+}  // namespace
+
+Outcome EarlyOutcome(HRESULT status) {
+  ComPtr<IErrorInfo> error;
+  if (SUCCEEDED(status) || GetErrorInfo(0, error.out()) != S_OK) return {status};
+  BSTR description = nullptr, source = nullptr;
+  error->GetDescription(&description);
+  error->GetSource(&source);
+  return Exception(status, description, source);
+}
+
 Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
              const std::vector<VARIANT*>& arguments, VARIANT* result) {
   Outcome outcome;
@@ -28,12 +51,7 @@ Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
   outcome.status = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &params, result,
                                   &exception, &argumentError);
   if (outcome.status == DISP_E_EXCEPTION) {
-    const bool isFault = HRESULT_FACILITY(exception.scode) == FACILITY_CONTROL;
-    outcome.fault = isFault ? exception.scode & 0xFFFF : exception.scode;
-    if (exception.bstrDescription != nullptr) outcome.description = exception.bstrDescription;
-    if (exception.bstrSource != nullptr) outcome.source = exception.bstrSource;
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrSource);
+    outcome = Exception(exception.scode, exception.bstrDescription, exception.bstrSource);
     SysFreeString(exception.bstrHelpFile);
   }
   return outcome;

@@ -54,6 +54,9 @@ struct Outcome {
   std::wstring source = {};
 };
 
+/// What an early-bound call came to: its status, or the error information that goes with it.
+Outcome EarlyOutcome(HRESULT status);
+
 /// Late-bound calls as script engines make them: every argument is a variant by reference.
 Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
              const std::vector<VARIANT*>& arguments, VARIANT* result);

@@ -164,25 +164,16 @@ Outcome ServerHost::RunEarly(const vardel::Call& call, const std::vector<VARIANT
   IDispatch* const object = values_.at(call.object).pdispVal;
   const int kinds =
       call.isPut ? INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF : INVOKE_FUNC | INVOKE_PROPERTYGET;
-  Outcome outcome{DISP_E_UNKNOWNNAME};
+  HRESULT status = DISP_E_UNKNOWNNAME;
   for (const DualInterface& dual : InterfacesOf(object)) {
     ForEachOperation(dual, [&](const FUNCDESC& operation, const std::string& name) {
-      if (outcome.status == DISP_E_UNKNOWNNAME && (operation.invkind & kinds) != 0 &&
+      if (status == DISP_E_UNKNOWNNAME && (operation.invkind & kinds) != 0 &&
           (name == call.member || name == "CCardFormatInfo_" + call.member)) {
-        outcome.status = CallVtable(object, dual, operation, arguments, result);
+        status = CallVtable(object, dual, operation, arguments, result);
       }
     });
   }
-  ComPtr<IErrorInfo> error;
-  if (SUCCEEDED(outcome.status) || GetErrorInfo(0, error.out()) != S_OK) return outcome;
-  BSTR source = nullptr, description = nullptr;
-  error->GetSource(&source);
-  error->GetDescription(&description);
-  outcome = {DISP_E_EXCEPTION, outcome.status & 0xFFFF, Wide(Utf8(description)),
-             Wide(Utf8(source))};
-  SysFreeString(source);
-  SysFreeString(description);
-  return outcome;
+  return EarlyOutcome(status);
 }
 
 std::string ServerHost::Run(const vardel::Call& call) {
