@@ -4,6 +4,12 @@ var frame = new ActiveXObject("Vardel.CCardFrame"), lg = new ActiveXObject("Vard
 function fault(call) {
   try { call(); } catch (e) { WScript.Echo((e.number & 0xFFFF) + " " + e.description); }
 }
+var names = ("CError CCardData CCardByteData CByteArrayData CCardFormatInfo CCardFormatEM " +
+    "CCardFormatHIDStandard CCardFormatBinary26 CCardFormat37Bits CCardFormatHIDCorp1000 " +
+    "CCardFormat34Bits CCardFormatUID32BIts CCardFormatLG CCardFormatWoori CCardFormatDongSeo " +
+    "CCard CCardTypes CCardType CCardFrame").split(" "), made = 0;
+for (var i in names) if (typeof new ActiveXObject("Vardel." + names[i]) === "object") ++made;
+WScript.Echo("classes", made);
 card.CardType = 2; card.CardSubType = 5; card.Facility = "100"; card.CardID = 12345;
 var raw = facade.MakeCardData(card), held = {record: facade.CardFormat(2, 5).MakeCardData(card)};
 WScript.Echo("bytes", raw.CardArrDataByIndex(1), card.CardID, facade.IsExisted(2, 4) === true);
@@ -25,6 +31,13 @@ delete literal.IsEMFrame;
 fault(function () { facade.AnalyzeCardData(literal); });
 fault(function () { facade.AnalyzeCardData(null); });
 fault(function () { facade.CardFormatByCode(771); });
+
+card.Facility = "70000";
+WScript.Echo("content error", facade.MakeCardData(card).ErrNumber, facade.MakeCardData(card).ErrName);
+var types = new ActiveXObject("Vardel.CCardTypes"), entry = new ActiveXObject("Vardel.CCardType");
+WScript.Echo("registry", types.Add(entry, 515), types.Count, types.GetDefaultName(2, 1), types.ErrNumber);
+entry.ShortName = "mine";
+WScript.Echo("entry", types.ShortName("515"), types.CardTypeByCode(513).TypeCode);
 
 var text = "\u4e2d\u0000\ud83d\ude00";
 card.CardType = 3; card.CardSubType = 3; card.Facility = text;
