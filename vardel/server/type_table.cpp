@@ -92,9 +92,12 @@ Member Describe(ITypeInfo* info, const FUNCDESC& function) {
 }  // namespace
 
 ComPtr<ITypeLib> LoadTypeLibrary() {
-  static const HRESULT loaded = LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &keptLibrary);
-  Require(loaded);
-  return ComPtr<ITypeLib>::Share(keptLibrary);
+  // One thread loads it; a failure is thrown and leaves the next call to try again.
+  static ITypeLib* const library = [] {
+    Require(LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &keptLibrary));
+    return keptLibrary;
+  }();
+  return ComPtr<ITypeLib>::Share(library);
 }
 
 void DropTypeLibrary() {
