@@ -45,7 +45,6 @@ TEST(FormatCases, CoverEveryFormatWithEveryKindOfCaseAndEveryParameter) {
     std::ifstream file(path);
     std::vector<std::string> missing = expected;
     for (std::string line; std::getline(file, line);) {
-      std::erase(line, '\r');
       if (line.starts_with("format ")) formats.push_back(line.substr(7));
       const auto found = std::ranges::find_if(
           missing, [&](const std::string& start) { return line.starts_with(start + ' '); });
