@@ -11,7 +11,7 @@ rm -rf "$work"
 cmake --install "$1" --prefix "$work/prefix"
 (cd "$work/prefix/include" && find vardel -name '*.h' | LC_ALL=C sort) | diff "$here/headers.txt" -
 sed 's/.*/#include <&>/' "$here/headers.txt" >"$work/headers.cpp"
-awk -v folder="$work" -f "$here/../samples.awk" "$here/../../README.md"
+awk -v folder="$work" -f "$here/../../cmake/samples.awk" "$here/../../README.md"
 cp "$here/CMakeLists.txt" "$work"
 cmake -G Ninja -S "$work" -B "$work/build" \
   -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_CXX_COMPILER="$2" \
