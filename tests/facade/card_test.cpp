@@ -1,0 +1,136 @@
+#include "tests/support.h"
+#include <vardel/core/card_frame.h>
+#include <vardel/facade/card.h>
+#include <vardel/formats/card_formats.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <set>
+
+namespace vardel {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+CCardData Card(std::int32_t type, std::uint8_t subType, std::string facility, std::string cardID,
+               std::string revision = "") {
+  return {0, "", type, subType, std::move(facility), std::move(cardID), std::move(revision)};
+}
+
+TEST(CardTest, FindsExactlyTheFormatsOfItsList) {
+  std::set<std::int32_t> codes;
+  for (const CardFormatClass& row : CardFormatClasses()) {
+    if (row.IsInFacade) codes.insert(row.CardType * 256 + row.CardSubType);
+  }
+  const CCard card;
+  for (std::int32_t code = -1100; code <= 1100; ++code) {
+    EXPECT_EQ(card.IsExisted(0, code), codes.contains(code)) << code;
+    const int fault = FaultOf([&] { card.CardFormatByCode(code); });
+    EXPECT_EQ(fault, codes.contains(code) ? 0 : 424) << code;
+  }
+  EXPECT_FALSE(card.IsExisted(3, 4));
+  EXPECT_TRUE(card.IsExisted(2, 3));
+  // The same object every time, and one of its own for each facade.
+  EXPECT_EQ(card.CardFormatByCode(513), card.CardFormat(2, 1));
+  EXPECT_NE(CCard().CardFormat(2, 1), card.CardFormat(2, 1));
+}
+
+TEST(CardTest, LeavesItsErrorAloneInAllButEncodes) {
+  CCard card;
+  card.ErrNumber = 7;
+  card.ErrName = "old";
+  const std::pair<std::function<void()>, int> rows[] = {
+      {[&] { card.CardFormat(3, 3); }, 424},
+      {[&] { card.CardFormat(9000000, 1); }, 6},
+      {[&] { card.CardFormat(8388608, -1); }, 6},
+      {[&] { card.IsExisted(8388607, 256); }, 6},
+      {[&] { card.IsSmartCardData("12"); }, 424},
+      {[&] { card.IsSecurityCardData(""); }, 424},
+      {[&] { card.AnalyzeCardData(nullptr); }, 91},
+      {[&] { card.AnalyzeCardData(CCardFrame()); }, 0},
+      {[&] { card.CardFormat(2, 1)->MakeCardData(nullptr); }, 91},
+      {[&] { card.CardFormat(2, 1)->AnalyzeCardData(nullptr); }, 91},
+      {[&] { EXPECT_TRUE(card.IsCardMainType(card.CardTypeCount()) && card.IsCardType(2, 5)); }, 0},
+      {[&] { EXPECT_FALSE(card.IsCardMainType(4) || card.IsCardType(2, 3)); }, 0}};
+  for (const auto& [call, fault] : rows) EXPECT_EQ(FaultOf(call), fault) << fault;
+  EXPECT_EQ(ErrorOf(card), "7 old");
+  EXPECT_EQ(FaultOf([&] { card.MakeCardData(nullptr); }), 91);
+  EXPECT_EQ(ErrorOf(card), "0 ");
+}
+
+TEST(CardTest, RecordsAnUnknownTypeUntilTheNextCard) {
+  CCard card;
+  for (const int type : {0, 2, 4}) {  // 2/4 has a format
+    const CCardByteData raw = card.MakeCardData(Card(type, 4, "1", "1"));
+    EXPECT_EQ(ErrorOf(card), "-1 Unknown Card Type");
+    EXPECT_EQ(ErrorOf(raw), "0 ");
+    EXPECT_EQ(raw.CardType() + raw.CardSubType(), 0);
+    EXPECT_EQ(raw.CardDataStruct, CardDataStruct());
+    EXPECT_EQ(FaultOf([&] { card.MakeCardData(Card(2, 2, "1", "1")); }), 9);
+    EXPECT_EQ(ErrorOf(card), "0 ");
+  }
+}
+
+TEST(CardTest, CarriesAFormatsErrorUntilSomeoneClearsIt) {
+  CCard card;
+  const CCardByteData wrong = card.MakeCardData(Card(2, 1, "1", "0"));
+  const CCardByteData right = card.MakeCardData(Card(2, 1, "1", "1"));
+  EXPECT_EQ(ErrorOf(right), "-1 Incorrect Card ID");
+  EXPECT_NE(right.CardDataStruct, CardDataStruct());
+  card.CardFormat(2, 1)->InitErr();
+  EXPECT_EQ(ErrorOf(card.MakeCardData(Card(2, 1, "1", "1"))), "0 ");
+  EXPECT_EQ(ErrorOf(wrong), "-1 Incorrect Card ID");
+  // A bad card number is recorded even where the revision then ends the call.
+  const auto dongSeo = card.CardFormat(3, 5);
+  EXPECT_EQ(FaultOf([&] { dongSeo->MakeCardData(Card(3, 5, "", "", "5")); }), 5);
+  EXPECT_EQ(ErrorOf(*dongSeo), "-1 Incorrect Card ID");
+}
+
+TEST(CardTest, DecodesByTheFramesPairOrAsEM) {
+  const CCard card;
+  constexpr int kRows[][4] = {{2, 1, false, 512}, {2, 1, true, 512}, {2, 3, false, 0},
+                              {2, 3, true, 257},  {0, 0, false, 0},  {0, 0, true, 257}};
+  for (const auto& [type, subType, isEM, decoded] : kRows) {
+    const auto result = card.AnalyzeCardData(CCardFrame(type, subType, "020002020000", isEM != 0));
+    EXPECT_EQ(TypeCode(result.CardType, result.CardSubType), decoded) << type;
+    EXPECT_EQ(result.CardID, decoded == 0 ? "" : "00001");
+  }
+  struct RefusingFrame : TestFrame {
+    using TestFrame::TestFrame;
+    std::string_view RawCardHex() const override { throw "refused"; }
+  };
+  EXPECT_THROW(card.AnalyzeCardData(RefusingFrame({Bytes(6), ""}, 2, 1)), const char*);
+  EXPECT_EQ(LibraryFiller().Length, 64);
+  EXPECT_EQ(LibraryFiller().Text, std::string(64, '0'));
+}
+
+TEST(CardFormatInfoTest, AnswersWithNothingAndRecordsNothing) {
+  CCardFormatInfo info;
+  EXPECT_FALSE(info.IsFacilityValid("1") || info.IsCardIDValid("1"));
+  EXPECT_EQ(info.MakeCardData(Card(2, 1, "1", "1")), CardDataStruct());
+  EXPECT_FALSE(info.AnalyzeCardData(CCardFrame(2, 1, "020002020000")));
+  EXPECT_EQ(ErrorOf(info), "0 ");
+}
+
+// A host's frame sees, and may refuse, each read of its bytes.
+TEST(FrameReadsTest, AreAsManyAsTheFormatSays) {
+  std::string reads;  // plainly, and reversed
+  for (const CardFormatClass& row : CardFormatClasses()) {
+    const auto format = row.Create();
+    reads += row.ClassName.substr(11);
+    for (const bool isReversed : {false, true}) {
+      const TestFrame frame({Bytes(16, 1), std::string(32, '1')});
+      format->IsCardArrayReversed = isReversed;
+      format->AnalyzeCardData(frame);
+      reads += " " + std::to_string(frame.byteReads);
+    }
+    reads += "; ";
+  }
+  EXPECT_EQ(reads,
+            "EM 2 3; HIDStandard 1 2; Binary26 1 2; 37Bits 2 3; HIDCorp1000 2 3; 34Bits 2 2; "
+            "UID32BIts 2 2; DongSeo 1 1; LG 2 2; Woori 2 2; ");
+}
+
+}  // namespace
+}  // namespace vardel
