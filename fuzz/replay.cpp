@@ -7,19 +7,17 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Runs a fuzz target once for each file of the given folders.
+/// Runs the fuzzed host once for each file of the given folders, none of which may be empty.
 int main(int argc, char** argv) {
-  int count = 0;
   for (int i = 1; i < argc; ++i) {
+    int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
-      if (!entry.is_regular_file()) continue;
-      std::fprintf(stderr, "%s\n", entry.path().string().c_str());
+      std::fprintf(stderr, "%s\n", entry.path().c_str());
       std::ifstream file(entry.path(), std::ios::binary);
       const std::string bytes(std::istreambuf_iterator<char>(file), {});
       LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
       ++count;
     }
+    if (count == 0) return 1;
   }
-  std::printf("%d files\n", count);
-  return count > 0 ? 0 : 1;
 }
