@@ -31,11 +31,11 @@ TEST(ModCardTest, FitsTextsToALengthInCharacters) {
 TEST(ModCardTest, TurnsNumbersIntoBytesByEitherDivision) {
   // A fraction is rounded into its byte, on a tie to the even one.
   constexpr std::string_view kRows[][2] = {
-      {"0", "00"},          {"-0.5", "00"},       {"0.75", "01"},       {"12.5", "0C"},
-      {"13.5", "0E"},       {"15.5", "10"},       {"254.5", "FE"},      {"256", "0001"},
-      {"256.5", "0001"},    {"257.5", "0201"},    {"255.5", "fault 6"}, {"511.5", "fault 6"},
-      {"-0.75", "fault 6"}, {"-1", "fault 6"},    {"-16", "fault 6"},   {"-256", "fault 6"},
-      {"", "fault 13"},     {"1e309", "fault 13"}};
+      {"0", "00"},          {"255", "FF"},        {"65535", "FFFF"},    {"-0.5", "00"},
+      {"0.75", "01"},       {"12.5", "0C"},       {"13.5", "0E"},       {"15.5", "10"},
+      {"254.5", "FE"},      {"256", "0001"},      {"256.5", "0001"},    {"257.5", "0201"},
+      {"255.5", "fault 6"}, {"511.5", "fault 6"}, {"-0.75", "fault 6"}, {"-1", "fault 6"},
+      {"-16", "fault 6"},   {"-256", "fault 6"},  {"", "fault 13"},     {"1e309", "fault 13"}};
   for (const auto& [text, bytes] : kRows) {
     EXPECT_EQ(AnswerOf([&] { return HexText(NumberToBytes(text)); }), bytes) << text;
     EXPECT_EQ(AnswerOf([&] { return HexText(NumberToBytesByByte(text)); }), bytes) << text;
