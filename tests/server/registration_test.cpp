@@ -31,6 +31,7 @@ void Collect(HKEY parent, const wchar_t* name, const std::wstring& path, Keys& k
   if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) return;
   std::wstring line = path;
   for (const std::wstring valueName : {L"", L"ThreadingModel", L"Version"}) {
+    if (!valueName.empty() && !IsOurs(line)) break;  // there are many thousands of other keys
     wchar_t value[1024] = {};
     DWORD bytes = sizeof(value);
     if (RegGetValueW(key, nullptr, valueName.c_str(), RRF_RT_REG_SZ, nullptr, value, &bytes) ==

@@ -11,7 +11,7 @@ bits=$1
 cd "$2"
 
 wine() {
-  "$here/wine-run" "$bits" "$@"
+  "$here/../../cmake/wine-run" "$bits" "$@"
 }
 
 # run FILE: by its name alone; to cscript a path with a leading slash would be an option.

@@ -1,10 +1,16 @@
 #include "tests/server/server.h"
 
+#include <fcntl.h>
+#include <io.h>
+
 namespace vardel::server {
 
 HINSTANCE moduleInstance = nullptr;
 
 namespace {
+
+// CTest does not expect carriage returns in a list of tests.
+[[maybe_unused]] const int modeBefore = _setmode(1, _O_BINARY);
 
 /// An exception; the texts are taken over.
 Outcome Exception(HRESULT status, BSTR description, BSTR source) {

@@ -4,6 +4,7 @@
 
 #include <vardel_idl.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,14 +16,28 @@ namespace vardel::server {
 /// only.
 class HostFrame final : public ::ICardFrame {
  public:
+  LONG type = 0, subType = 0;
   std::optional<std::vector<std::uint8_t>> bytes;  // without them RawCardBytes is a text
   std::wstring hex;
   HRESULT failure = S_OK;  // of RawCardHex
 
   /// The frame as an object that has nothing but the names.
-  ComPtr<IDispatch> ByNames();
+  ComPtr<IDispatch> ByNames() {
+    ComPtr<ITypeLib> library;
+    ComPtr<ITypeInfo> info;
+    ComPtr<IUnknown> names;
+    LoadTypeLibEx(L"vardel.dll", REGKIND_NONE, library.out());
+    library->GetTypeInfoOfGuid(__uuidof(::ICardFrame), info.out());
+    CreateStdDispatch(nullptr, this, info.get(), names.out());
+    return names.As<IDispatch>();
+  }
 
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    const bool isKnown =
+        iid == IID_IUnknown || iid == IID_IDispatch || iid == __uuidof(::ICardFrame);
+    *object = isKnown ? this : nullptr;
+    return isKnown ? S_OK : E_NOINTERFACE;
+  }
   STDMETHODIMP_(ULONG) AddRef() override { return 2; }
   STDMETHODIMP_(ULONG) Release() override { return 1; }
   STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
@@ -32,11 +47,28 @@ class HostFrame final : public ::ICardFrame {
                       UINT*) override {
     return E_NOTIMPL;
   }
-  STDMETHODIMP get_FrameCardType(LONG* value) override { return *value = 0, S_OK; }
-  STDMETHODIMP get_FrameCardSubType(LONG* value) override { return *value = 0, S_OK; }
+  STDMETHODIMP get_FrameCardType(LONG* value) override { return *value = type, S_OK; }
+  STDMETHODIMP get_FrameCardSubType(LONG* value) override { return *value = subType, S_OK; }
   STDMETHODIMP get_IsEMFrame(VARIANT_BOOL* value) override { return *value = VARIANT_FALSE, S_OK; }
-  STDMETHODIMP get_RawCardBytes(VARIANT* value) override;
-  STDMETHODIMP get_RawCardHex(BSTR* value) override;
+  STDMETHODIMP get_RawCardBytes(VARIANT* value) override {
+    value->vt = VT_BSTR;
+    value->bstrVal = SysAllocString(L"0102030405060708");
+    if (!bytes) return S_OK;
+    VariantClear(value);
+    value->vt = VT_ARRAY | VT_UI1;
+    value->parray = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes->size()));
+    std::ranges::copy(*bytes, static_cast<std::uint8_t*>(value->parray->pvData));
+    return S_OK;
+  }
+  STDMETHODIMP get_RawCardHex(BSTR* value) override {
+    *value = SysAllocStringLen(hex.data(), static_cast<UINT>(hex.size()));
+    if (SUCCEEDED(failure)) return S_OK;
+    ComPtr<ICreateErrorInfo> info;
+    CreateErrorInfo(info.out());
+    info->SetDescription(const_cast<wchar_t*>(L"the frame's own failure"));
+    SetErrorInfo(0, info.As<IErrorInfo>().get());
+    return failure;
+  }
 };
 
 }  // namespace vardel::server
