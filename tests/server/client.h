@@ -22,8 +22,8 @@ struct Value : Variant {
   Value(double number) { vt = VT_R8, dblVal = number; }
   Value(bool truth) { vt = VT_BOOL, boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE; }
   Value(IDispatch* object) {
-    vt = VT_DISPATCH, pdispVal = object;
-    if (object != nullptr) object->AddRef();
+    vt = VT_DISPATCH;
+    pdispVal = ComPtr<IDispatch>::Share(object).Detach();
   }
 
   template <class T>
@@ -61,10 +61,14 @@ inline void PrintTo(Binding binding, std::ostream* out) {
   *out << (binding == Binding::Names ? "Names" : "Vtables");
 }
 
-/// A host of one kind, without any registry. Failures are "fault 6", or "status 3" with the lower
+/// A host of one kind, without any registry. A failure is "fault 6", or "status 3" with the lower
 /// half of a status.
 class Client {
  public:
+  static constexpr int kGets = INVOKE_FUNC | INVOKE_PROPERTYGET;
+  static constexpr int kPuts = INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF;
+  using Values = std::vector<Value>;
+
   explicit Client(Binding binding) : binding_(binding) {}
   ~Client() {
     SetErrorInfo(0, nullptr);
@@ -86,28 +90,25 @@ class Client {
   }
 
   /// What a method or a get gives, as text, or the failure.
-  std::string Ask(const Value& object, const std::string& member,
-                  const std::vector<Value>& arguments = {}, Value* result = nullptr) const {
-    Value unused;
-    if (result == nullptr) result = &unused;
-    const Outcome outcome = Try(object, member, kGets, arguments, result);
-    return FAILED(outcome.status) ? Failure(outcome) : result->Text();
+  std::string Ask(const Value& object, const std::string& member, const Values& arguments = {},
+                  Value* result = nullptr) const {
+    Value own;
+    const Outcome outcome = Try(object, member, kGets, arguments, result ? result : &own);
+    return FAILED(outcome.status) ? Failure(outcome) : (result ? result : &own)->Text();
   }
-  /// What a method or a get gives.
-  Value Take(const Value& object, const std::string& member,
-             const std::vector<Value>& arguments = {}) const {
+  /// What a method or a get gives, which has to be an object or a value of its own.
+  Value Take(const Value& object, const std::string& member, const Values& arguments = {}) const {
     Value result;
     EXPECT_EQ(Try(object, member, kGets, arguments, &result).status, S_OK) << member;
     return result;
   }
   /// Puts the last of the arguments; gives "" or the failure.
-  std::string Put(const Value& object, const std::string& member,
-                  const std::vector<Value>& arguments) const {
+  std::string Put(const Value& object, const std::string& member, const Values& arguments) const {
     const Outcome outcome = Try(object, member, kPuts, arguments, nullptr);
     return FAILED(outcome.status) ? Failure(outcome) : "";
   }
-  Outcome Try(const Value& object, const std::string& member, int kinds,
-              std::vector<Value> arguments, Value* result) const {
+  Outcome Try(const Value& object, const std::string& member, int kinds, Values arguments,
+              Value* result) const {
     std::vector<VARIANT*> pointers;
     for (Value& argument : arguments) pointers.push_back(&argument);
     if (binding_ == Binding::Names) {
@@ -116,25 +117,18 @@ class Client {
       return Call(object.pdispVal, Wide(member), static_cast<WORD>(kinds), pointers, result);
     }
     HRESULT status = DISP_E_UNKNOWNNAME;
-    for (const DualInterface& dual : InterfacesOf(object.pdispVal)) {
-      ForEachOperation(dual, [&](const FUNCDESC& operation, const std::string& name) {
-        if (status != DISP_E_UNKNOWNNAME || name != member || (operation.invkind & kinds) == 0)
-          return;
-        status = CallVtable(object.pdispVal, dual, operation, pointers, result);
-      });
-    }
+    ForEachOperation(object.pdispVal, [&](const auto& dual, const auto& each, const auto& name) {
+      if (status != DISP_E_UNKNOWNNAME || name != member || (each.invkind & kinds) == 0) return;
+      status = CallVtable(object.pdispVal, dual, each, pointers, result);
+    });
     return EarlyOutcome(status);
   }
-
-  static constexpr int kGets = INVOKE_FUNC | INVOKE_PROPERTYGET;
-  static constexpr int kPuts = INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF;
 
  private:
   static std::string Failure(const Outcome& outcome) {
     const long status = outcome.status & 0xFFFF;
     if (outcome.status != DISP_E_EXCEPTION) return "status " + std::to_string(status);
-    EXPECT_TRUE(outcome.source.starts_with(L"Vardel.C")) << Utf8(outcome.source);
-    EXPECT_FALSE(outcome.description.empty());
+    EXPECT_TRUE(outcome.source.starts_with(L"Vardel.C") && !outcome.description.empty());
     return FaultAnswer(outcome.fault);
   }
 

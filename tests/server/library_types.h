@@ -102,6 +102,14 @@ void ForEachOperation(const DualInterface& dual, const auto& visit) {
   }
 }
 
+/// The same for all interfaces of an object.
+void ForEachOperation(IDispatch* object, const auto& visit) {
+  for (const DualInterface& dual : InterfacesOf(object)) {
+    ForEachOperation(
+        dual, [&](const FUNCDESC& each, const std::string& name) { visit(dual, each, name); });
+  }
+}
+
 inline bool IsResult(const ELEMDESC& parameter) {
   return (parameter.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0;
 }

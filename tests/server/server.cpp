@@ -35,32 +35,27 @@ Outcome EarlyOutcome(HRESULT status) {
 
 Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
              const std::vector<VARIANT*>& arguments, VARIANT* result) {
-  Outcome outcome;
-  DISPID id = DISPID_UNKNOWN;
+  DISPID id = DISPID_UNKNOWN, put = DISPID_PROPERTYPUT;
   auto* text = const_cast<wchar_t*>(name.c_str());
-  outcome.status = object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
-  if (FAILED(outcome.status)) return outcome;
+  HRESULT status = object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+  if (FAILED(status)) return {status};
 
-  std::vector<VARIANT> reversed;
-  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
-    VARIANT reference{};
+  std::vector<VARIANT> reversed(arguments.size());
+  for (std::size_t i = 0; VARIANT * argument : arguments) {
+    VARIANT& reference = reversed[reversed.size() - ++i];
     reference.vt = VT_BYREF | VT_VARIANT;
-    reference.pvarVal = *argument;
-    reversed.push_back(reference);
+    reference.pvarVal = argument;
   }
-  DISPID put = DISPID_PROPERTYPUT;
   const bool isPut = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
   DISPPARAMS params{reversed.data(), isPut ? &put : nullptr, static_cast<UINT>(reversed.size()),
                     isPut ? 1U : 0U};
   EXCEPINFO exception{};
   UINT argumentError = 0;
-  outcome.status = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &params, result,
-                                  &exception, &argumentError);
-  if (outcome.status == DISP_E_EXCEPTION) {
-    outcome = Exception(exception.scode, exception.bstrDescription, exception.bstrSource);
-    SysFreeString(exception.bstrHelpFile);
-  }
-  return outcome;
+  status = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &params, result, &exception,
+                          &argumentError);
+  if (status != DISP_E_EXCEPTION) return {status};
+  SysFreeString(exception.bstrHelpFile);
+  return Exception(exception.scode, exception.bstrDescription, exception.bstrSource);
 }
 
 }  // namespace vardel::server

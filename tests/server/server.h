@@ -46,17 +46,15 @@ class ServerModule {
   HMODULE module_;
 };
 
-/// What a late-bound call came to.
+/// What a call came to.
 struct Outcome {
   HRESULT status = S_OK;  // what Invoke returned
   long fault = 0;         // of an exception: its number, 0x800A0000 taken off where it is a fault
   std::wstring description = {};
   std::wstring source = {};
 };
-
-/// What an early-bound call came to: its status, or the error information that goes with it.
+/// Of an early-bound call: its status, or the error information that goes with it.
 Outcome EarlyOutcome(HRESULT status);
-
 /// Late-bound calls as script engines make them: every argument is a variant by reference.
 Outcome Call(IDispatch* object, const std::wstring& name, WORD flags,
              const std::vector<VARIANT*>& arguments, VARIANT* result);

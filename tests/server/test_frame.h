@@ -12,9 +12,8 @@
 
 namespace vardel::server {
 
-/// A host's own frame, on the stack: with our frame interface, or with members of the right names
-/// only.
-class HostFrame final : public ::ICardFrame {
+/// A host's own frame, on the stack: with our interface, or with members of the right names only.
+class HostFrame final : public ComObject<::ICardFrame> {
  public:
   LONG type = 0, subType = 0;
   std::optional<std::vector<std::uint8_t>> bytes;  // without them RawCardBytes is a text
@@ -33,13 +32,9 @@ class HostFrame final : public ::ICardFrame {
   }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    const bool isKnown =
-        iid == IID_IUnknown || iid == IID_IDispatch || iid == __uuidof(::ICardFrame);
-    *object = isKnown ? this : nullptr;
-    return isKnown ? S_OK : E_NOINTERFACE;
+    const bool isDispatch = iid == IID_IDispatch;
+    return ComObject::QueryInterface(isDispatch ? __uuidof(::ICardFrame) : iid, object);
   }
-  STDMETHODIMP_(ULONG) AddRef() override { return 2; }
-  STDMETHODIMP_(ULONG) Release() override { return 1; }
   STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
@@ -51,11 +46,9 @@ class HostFrame final : public ::ICardFrame {
   STDMETHODIMP get_FrameCardSubType(LONG* value) override { return *value = subType, S_OK; }
   STDMETHODIMP get_IsEMFrame(VARIANT_BOOL* value) override { return *value = VARIANT_FALSE, S_OK; }
   STDMETHODIMP get_RawCardBytes(VARIANT* value) override {
-    value->vt = VT_BSTR;
-    value->bstrVal = SysAllocString(L"0102030405060708");
+    value->vt = bytes ? VT_ARRAY | VT_UI1 : VT_BSTR;
+    value->bstrVal = bytes ? nullptr : SysAllocString(L"0102030405060708");
     if (!bytes) return S_OK;
-    VariantClear(value);
-    value->vt = VT_ARRAY | VT_UI1;
     value->parray = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes->size()));
     std::ranges::copy(*bytes, static_cast<std::uint8_t*>(value->parray->pvData));
     return S_OK;
