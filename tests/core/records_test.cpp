@@ -165,8 +165,8 @@ TEST(CardFrameTest, KeepsTextAndBytesInStep) {
                   frame.RawCardHex(), HexText(frame.RawCardBytes().value()));
   };
   EXPECT_EQ(state(), "0 0 False  ");
-  frame = CCardFrame(2, 1, "00aBcDeF99", true);
-  EXPECT_EQ(state(), "2 1 True 00aBcDeF99 00ABCDEF99");
+  frame = CCardFrame(2, 1, "00aBcDeF9a", true);
+  EXPECT_EQ(state(), "2 1 True 00aBcDeF9a 00ABCDEF9A");
   frame.FrameCardType(3);
   frame.FrameCardSubType(5);
   frame.IsEMFrame(false);
@@ -177,7 +177,7 @@ TEST(CardFrameTest, KeepsTextAndBytesInStep) {
         "0123456G", "/1234567", "0123456:", "012345@6", "01`34567", "0g234567"}) {
     EXPECT_EQ(FaultOf([&] { frame.RawCardHex(malformed); }), 13) << malformed;
   }
-  EXPECT_EQ(state(), "3 5 False 00aBcDeF99 00ABCDEF99");
+  EXPECT_EQ(state(), "3 5 False 00aBcDeF9a 00ABCDEF9A");
   frame.CardDataStruct({{1}});
   const std::string record = "01" + std::string(62, '0');
   EXPECT_EQ(state(), TextOf("3 5 False", record, record));
