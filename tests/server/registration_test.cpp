@@ -31,7 +31,6 @@ void Collect(HKEY parent, const wchar_t* name, const std::wstring& path, Keys& k
   if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) return;
   std::wstring line = path;
   for (const std::wstring valueName : {L"", L"ThreadingModel", L"Version"}) {
-    if (!valueName.empty() && !IsOurs(line)) break;  // there are many thousands of other keys
     wchar_t value[1024] = {};
     DWORD bytes = sizeof(value);
     if (RegGetValueW(key, nullptr, valueName.c_str(), RRF_RT_REG_SZ, nullptr, value, &bytes) ==
@@ -40,8 +39,10 @@ void Collect(HKEY parent, const wchar_t* name, const std::wstring& path, Keys& k
     }
   }
   if (IsOurs(line)) keys.insert(line);
+  // The many thousands of keys below other libraries' classes and interfaces take their time.
+  const bool isOthers = std::ranges::count(path, L'\\') > 1 && !IsOurs(line);
   wchar_t child[256];
-  for (DWORD i = 0; RegEnumKeyW(key, i, child, 256) == ERROR_SUCCESS; ++i) {
+  for (DWORD i = 0; !isOthers && RegEnumKeyW(key, i, child, 256) == ERROR_SUCCESS; ++i) {
     CharUpperW(child);
     const bool isOtherView = std::wstring(child) == L"WOW6432NODE";
     Collect(key, child, isOtherView ? path : path + L"\\" + child, keys);
