@@ -15,3 +15,9 @@ if(VARDEL_PROCESSOR STREQUAL i686)
   # may call with a stack that is aligned to 4 bytes only.
   set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign")
 endif()
+# File names in debug information do not depend on where the project lies.
+cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH root)
+foreach(language C CXX)
+  string(APPEND CMAKE_${language}_FLAGS_INIT
+    " -ffile-prefix-map=${CMAKE_BINARY_DIR}=build -ffile-prefix-map=${root}=.")
+endforeach()

@@ -1,23 +1,18 @@
+#include <vardel/core/decimal.h>
 #include <vardel/core/host_fault.h>
 #include <vardel/core/number.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <limits>
-#include <system_error>
 
 namespace vardel {
 namespace {
 
-constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 /// Takes the leading digits off `rest`.
 std::string_view TakeDigits(std::string_view& rest) {
-  const auto* const end = std::ranges::find_if_not(rest, IsDigit);
-  const std::string_view digits = rest.substr(0, static_cast<std::size_t>(end - rest.begin()));
+  const std::string_view digits = rest.substr(0, rest.find_first_not_of("0123456789"));
   rest.remove_prefix(digits.size());
   return digits;
 }
@@ -30,30 +25,16 @@ char TakeAnyOf(std::string_view& rest, std::string_view characters) {
   return taken;
 }
 
-/// The value of digits, point and exponent. The exponent letter may be D, which the standard
-/// conversion does not know.
-std::optional<double> DecimalValue(std::string_view whole, std::string_view fraction,
-                                   char exponentSign, std::string_view exponent) {
-  std::string text;
-  text.append(whole).append(".").append(fraction).append("e");
-  if (exponentSign == '-') text += '-';
-  text += exponent;
-
-  double value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error == std::errc()) return value;
-  // Out of range says either too large or too small. The largest and the smallest double are 308
-  // powers of ten away from 1, so the decimal exponent of the first non-zero digit tells which.
-  std::int64_t power = 0;
-  const auto parsed = std::from_chars(exponent.data(), exponent.data() + exponent.size(), power);
-  if (parsed.ec != std::errc()) power = std::numeric_limits<std::int32_t>::max();
+/// The value of digits, point and exponent.
+std::optional<double> ValueOf(std::string_view whole, std::string_view fraction, char exponentSign,
+                              std::string_view exponent) {
+  constexpr std::int64_t kFar = std::int64_t{1} << 62;  // more than a text has digits to undo
+  std::int64_t power = kFar;
+  std::from_chars(exponent.data(), exponent.data() + exponent.size(), power);
+  power = std::min(power, kFar);
   if (exponentSign == '-') power = -power;
-  if (const auto first = whole.find_first_not_of('0'); first != std::string_view::npos) {
-    power += static_cast<std::int64_t>(whole.size() - first);
-  } else {
-    power -= static_cast<std::int64_t>(std::min(fraction.find_first_not_of('0'), fraction.size()));
-  }
-  return power > 0 ? std::nullopt : std::optional(0.0);
+  return DecimalValue(std::string(whole).append(fraction),
+                      power - static_cast<std::int64_t>(fraction.size()));
 }
 
 }  // namespace
@@ -89,7 +70,7 @@ std::optional<double> ParseAnyNumber(std::string_view text) {
   while (TakeAnyOf(rest, kSpace) != 0) continue;
   if (!rest.empty()) return std::nullopt;
 
-  std::optional<double> value = DecimalValue(whole, fraction, exponentSign, exponent);
+  std::optional<double> value = ValueOf(whole, fraction, exponentSign, exponent);
   if (value && sign == '-') value = -*value;
   return value;
 }
@@ -130,13 +111,10 @@ void AssignNumber(std::string& text, std::uint64_t value, std::int16_t charCount
 void AssignNumber(std::string& text, double value, std::int16_t charCount) {
   if (const auto whole = WholeNumber(value)) return AssignNumber(text, *whole, charCount);
   if (charCount < 0) throw HostFault(Fault::InvalidCall);
-  std::array<char, 320> digits;  // the largest double has 309 before the point
-  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value,
-                                          std::chars_format::fixed, 0);
-  const auto count = static_cast<std::size_t>(end - digits.data());
+  const std::string digits = WholeText(value);
   const auto width = static_cast<std::size_t>(charCount);
-  text.assign(width > count ? width - count : 0, '0');
-  text.append(digits.data(), count);
+  text.assign(width > digits.size() ? width - digits.size() : 0, '0');
+  text.append(digits);
 }
 
 }  // namespace vardel

@@ -89,10 +89,10 @@ std::string_view TrimBlanks(std::string_view text) noexcept {
 
 std::uint8_t ByteOfNonAsciiChar(char32_t character) {
   if (character <= 0xFF && !IsRemapped(character)) return static_cast<std::uint8_t>(character);
-  const auto* const found = std::ranges::find(kRemapped, character);
-  if (found == kRemapped.end()) throw HostFault(Fault::Overflow);
-  return static_cast<std::uint8_t>(kFirstRemapped +
-                                   static_cast<std::size_t>(found - kRemapped.begin()));
+  const auto place =
+      static_cast<std::size_t>(std::ranges::find(kRemapped, character) - kRemapped.begin());
+  if (place == kRemapped.size()) throw HostFault(Fault::Overflow);
+  return static_cast<std::uint8_t>(kFirstRemapped + place);
 }
 
 void AppendCharOfByte(std::string& text, std::uint8_t byte) {
