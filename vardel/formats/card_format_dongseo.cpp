@@ -62,6 +62,11 @@ bool CCardFormatDongSeo::IsRevisionValid(std::string_view InData) const {
   return IsNumberWithin(InData, MinRevision, MaxRevision);
 }
 
+vardel::CardDataStruct CCardFormatDongSeo::MakeCardData(const CCardData* CardData) {
+  InitErr();
+  return CCardFormatInfo::MakeCardData(CardData);
+}
+
 void CCardFormatDongSeo::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   using characters::Align;
   using characters::Zero;

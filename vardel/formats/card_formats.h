@@ -169,6 +169,9 @@ class CCardFormatUID32BIts final : public FacilitylessFormat, public RevisionVal
 class CCardFormatDongSeo final : public FacilitylessFormat, public RevisionValidator {
  public:
   CCardFormatDongSeo();
+  using CCardFormatInfo::MakeCardData;
+  /// Clears the error pair even when there is no card.
+  vardel::CardDataStruct MakeCardData(const CCardData* CardData) override;
   /// Trimmed, the text has 1 to CharCountCardID characters and is not a zero. Letters are valid.
   bool IsCardIDValid(std::string_view InData) const override;
   /// The text is numeric and MinRevision <= value <= MaxRevision.
