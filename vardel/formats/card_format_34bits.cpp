@@ -68,8 +68,8 @@ bool CCardFormat34Bits::Decode(const ICardFrame& frame, CCardData& result) {
   const ByteArray bytes = IsCardArrayReversed ? ReverseBytes(raw) : ByteArray(raw);
   if (bytes.size() < kValueBytes) throw HostFault(Fault::OutOfRange);
   const std::uint64_t value = steps::LowBytes(bytes, kValueBytes);
-  steps::WorkBytes(OccupiedByteCardId, 4);
-  steps::WorkBytes(OccupiedByteFacility, 4);
+  steps::RequireBytes(OccupiedByteCardId, 4);
+  steps::RequireBytes(OccupiedByteFacility, 4);
   steps::PutNumbers(*this, Gather(value, 9), Gather(value, 1), result);
   return true;
 }

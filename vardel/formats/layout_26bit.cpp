@@ -15,8 +15,10 @@ void Encode(const CCardFormatInfo& format, const steps::Fields& fields, CardData
 }
 
 void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData& result) {
-  const int cardBytes = steps::WorkBytes(format.OccupiedByteCardId, 1);
-  const int facilityBytes = steps::WorkBytes(format.OccupiedByteFacility, 1);
+  const int cardBytes = format.OccupiedByteCardId;
+  const int facilityBytes = format.OccupiedByteFacility;
+  steps::RequireBytes(format.OccupiedByteCardId, 1);
+  steps::RequireBytes(format.OccupiedByteFacility, 1);
 
   // Parity and everything above bit 25 are cleared: bits 1 to 24 remain.
   const std::uint64_t value = steps::LittleEndian(std::span(bytes).first(4)) & 0x01FFFFFE;

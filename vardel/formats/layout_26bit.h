@@ -40,7 +40,7 @@ constexpr FormatParameters Parameters(CardType type, std::int16_t subType, std::
 void Encode(const CCardFormatInfo& format, const steps::Fields& fields, CardDataStruct& record);
 
 /// Puts the fields of a read into the result. Where one field ends and the other begins follows the
-/// descriptor's occupied bytes (3 and 2): each has to be within 1..32, or fault 9.
+/// descriptor's occupied bytes (3 and 2): each has to be at least 1, or fault 9.
 void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData& result);
 
 }  // namespace vardel::layout_26bit

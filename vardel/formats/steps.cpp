@@ -94,10 +94,8 @@ bool IsBlank(std::span<const std::uint8_t> bytes) {
          std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
 }
 
-int WorkBytes(std::int16_t count, int needed) {
-  constexpr int kMax = sizeof(CardDataStruct);
-  if (count < needed || count > kMax) throw HostFault(Fault::OutOfRange);
-  return count;
+void RequireBytes(std::int16_t count, int needed) {
+  if (count < needed) throw HostFault(Fault::OutOfRange);
 }
 
 void PutNumbers(const CCardFormatInfo& format, std::uint64_t facility, std::uint64_t cardID,

@@ -189,9 +189,9 @@ void MakeTooSmall(CCardData& result);
 /// The pattern of a read without a card: all bytes 00 or all FF. No bytes are both.
 bool IsBlank(std::span<const std::uint8_t> bytes);
 
-/// A number of work bytes that the descriptor gives; fault 9 unless it is from `needed` up to the
-/// 32 bytes of a record.
-int WorkBytes(std::int16_t count, int needed);
+/// Ends in fault 9 where a descriptor's count of occupied bytes is below what the decoder needs. A
+/// larger one is none: what lies beyond the read is skipped.
+void RequireBytes(std::int16_t count, int needed);
 
 /// Writes the two numbers into the result, filled with zeros to the format's character counts.
 void PutNumbers(const CCardFormatInfo& format, std::uint64_t facility, std::uint64_t cardID,
