@@ -1,5 +1,6 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/core/host_fault.h>
+#include <vardel/core/number.h>
 #include <vardel/format/format_parameters.h>
 #include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
@@ -46,11 +47,14 @@ CCardFormat34Bits::CCardFormat34Bits() : LimitCheckedFormat(kParameters) {}
 bool CCardFormat34Bits::IsRevisionValid(std::string_view /*InData*/) const { return true; }
 
 void CCardFormat34Bits::Encode(const CCardData& card, vardel::CardDataStruct& record) {
-  steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return;
+  // By its own validators, to which nothing is within a limit that is not a number.
+  if (!IsFacilityValid(card.Facility)) {
+    return steps::Reject(*this, message::kIncorrectFacilityCode);
+  }
+  if (!IsCardIDValid(card.CardID)) return steps::Reject(*this, message::kIncorrectCardID);
 
-  std::uint64_t value = Spread(steps::NumberBytes(fields.cardID.number, 2), 1) |
-                        Spread(steps::NumberBytes(fields.facility.number, 2), 9);
+  std::uint64_t value = Spread(steps::NumberBytes(RequireNumber(card.CardID), 2), 1) |
+                        Spread(steps::NumberBytes(RequireNumber(card.Facility), 2), 9);
   value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 16))) |
            steps::Parity(steps::GetBits(value, 17, 16)) << 33;
   // This encoder alone never turns the record around.
