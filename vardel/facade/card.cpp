@@ -76,8 +76,8 @@ CCardByteData CCard::MakeCardData(const CCardData* InCardData) {
   const CCardData& card = RequireObject(InCardData);
   CCardByteData result;
   if (!IsValidTypePair(card.CardType, card.CardSubType)) {
-    ErrNumber = kContentError;
     ErrName = message::kUnknownCardType;
+    ErrNumber = kContentError;
     return result;
   }
   CCardFormatInfo& format = *Format(TypeCode(card.CardType, card.CardSubType));
