@@ -60,8 +60,8 @@ class CCard {
   CCardData AnalyzeCardData(const ICardFrame* UFrame) const;
 
  private:
-  /// The registered format of a type code, without taking a share in it.
-  const std::shared_ptr<CCardFormatInfo>& Format(std::int32_t code) const;
+  /// The format that converts cards of the pair; null where IsCardType refuses it.
+  CCardFormatInfo* Converter(std::int32_t cardType, std::int32_t cardSubType) const;
 
   /// One place for each pair of a main type and a sub-type; null where no format is registered.
   std::array<std::shared_ptr<CCardFormatInfo>, 32> formats_;

@@ -203,6 +203,8 @@ struct CardFormatClass {
   std::int32_t CardSubType;
   /// The facade hands it out; the other formats are created by hosts themselves.
   bool IsInFacade;
+  /// The facade converts cards of this pair, as IsValidTypePair says.
+  bool IsConverted;
   std::shared_ptr<CCardFormatInfo> (*Create)();
 };
 
