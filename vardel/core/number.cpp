@@ -58,17 +58,6 @@ std::optional<double> DecimalValue(std::string_view whole, std::string_view frac
 
 }  // namespace
 
-bool ParseOtherDigits(std::string_view text, std::int64_t& value) {
-  if (text.size() <= 8 || text.size() > 15) return false;
-  const std::size_t upperCount = text.size() - 8;
-  std::int64_t upper = 0;
-  std::int64_t lower = 0;
-  if (!ParseDigits(text.substr(0, upperCount), upper)) return false;
-  if (!ParseDigits(text.substr(upperCount), lower)) return false;
-  value = upper * 100000000 + lower;
-  return true;
-}
-
 std::optional<double> ParseAnyNumber(std::string_view text) {
   constexpr std::string_view kSpace = " \t";
   std::string_view rest = text;

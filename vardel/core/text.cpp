@@ -63,7 +63,7 @@ char32_t TakeMultiByteChar(std::string_view& rest) noexcept {
   return character;
 }
 
-std::size_t CountChars(std::string_view text) noexcept {
+std::size_t CharCount(std::string_view text) noexcept {
   std::size_t count = 0;
   for (; !text.empty(); ++count) TakeChar(text);
   return count;
@@ -75,7 +75,7 @@ std::string_view FirstChars(std::string_view text, std::size_t count) noexcept {
   return text.substr(0, text.size() - rest.size());
 }
 
-std::string_view CutToLastChars(std::string_view text, std::size_t count) noexcept {
+std::string_view LastChars(std::string_view text, std::size_t count) noexcept {
   const std::size_t total = CharCount(text);
   for (std::size_t excess = total - std::min(total, count); excess > 0; --excess) TakeChar(text);
   return text;

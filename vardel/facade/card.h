@@ -67,8 +67,8 @@ class CCard {
   std::array<std::shared_ptr<CCardFormatInfo>, 32> formats_;
 };
 
-/// A length and a text of so many zeros, which every new facade sets for its thread. Nothing reads
-/// them.
+/// Values of the suite that come with the library: a text of zeros and its length. Every new facade
+/// sets them for its thread. The library itself has no use for them; this is where hosts find them.
 struct CardFiller {
   std::int32_t Length = 0;
   std::string_view Text;

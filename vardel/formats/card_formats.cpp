@@ -13,6 +13,6 @@ bool LimitCheckedFormat::IsCardIDValid(std::string_view InData) const {
   return IsNumberWithin(InData, MinCardID, MaxCardID);
 }
 
-bool FacilitylessFormat::IsFacilityValid(std::string_view /*InData*/) const { return true; }
+bool FormatWithoutFacility::IsFacilityValid(std::string_view /*InData*/) const { return true; }
 
 }  // namespace vardel
