@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 
 /// A card value, held in 64 bits: bit 0 of the value is bit 0 of byte 0.
 namespace vardel::bits {
@@ -23,9 +24,10 @@ constexpr std::uint64_t Range(int first, int last) {
 template <std::size_t Count>
 constexpr std::uint64_t FromBytes(std::span<const std::uint8_t, Count> bytes) {
   static_assert(Count <= 8);
-  std::uint64_t value = 0;
-  for (std::size_t i = Count; i > 0; --i) value = value << 8 | bytes[i - 1];
-  return value;
+  const auto valueOf = [&]<std::size_t... i>(std::index_sequence<i...> /*indexes*/) {
+    return (... | (std::uint64_t{bytes[i]} << 8 * i));
+  };
+  return valueOf(std::make_index_sequence<Count>());
 }
 
 /// The bytes of a value.

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vardel/core/text.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <optional>

@@ -52,6 +52,7 @@ std::optional<double> ByteArrayToNumber(std::span<const std::uint8_t> Bytes) {
   if (Bytes.empty() || Bytes.size() > kMaxNumberBytes) return std::nullopt;
   double sum = 0;
   double weight = 1;
+  while (!Bytes.empty() && Bytes.back() == 0) Bytes = Bytes.first(Bytes.size() - 1);  // add nothing
   for (const std::uint8_t byte : Bytes) {
     sum += byte * weight;
     weight *= 256;

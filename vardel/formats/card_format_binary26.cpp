@@ -54,8 +54,7 @@ bool CCardFormatBinary26::Decode(const ICardFrame& frame, CCardData& result) {
           decode::ReadBytes(*this, frame, decode::kLeastProximityBytes, kIdleReads, result)) {
     // All bytes of the read count, not just 26 bits. There is no facility code to write, yet a
     // negative character count of it is fault 5.
-    AssignNumber(result.Facility, std::uint64_t{0}, CharCountFacility);
-    result.Facility.clear();
+    if (CharCountFacility < 0) throw HostFault(Fault::InvalidCall);
     const auto number = ByteArrayToNumber(*bytes);
     AssignNumber(result.CardID, number.value_or(0), CharCountCardID);
     if (!number) result.CardID.clear();
