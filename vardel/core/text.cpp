@@ -95,12 +95,8 @@ std::uint8_t ByteOfNonAsciiChar(char32_t character) {
                                    static_cast<std::size_t>(found - kRemapped.begin()));
 }
 
-void AppendCharOfByte(std::string& text, std::uint8_t byte) {
+void AppendCharOfNonAsciiByte(std::string& text, std::uint8_t byte) {
   const char32_t character = IsRemapped(byte) ? kRemapped[byte - kFirstRemapped] : byte;
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-    return;
-  }
   if (character < 0x800) {
     text += static_cast<char>(0xC0 | (character >> 6));
   } else {

@@ -36,6 +36,10 @@ inline std::uint8_t ByteOfChar(char32_t character) {
   return character < 0x80 ? static_cast<std::uint8_t>(character) : ByteOfNonAsciiChar(character);
 }
 /// Appends the character of a Windows-1252 code; every byte has one.
-void AppendCharOfByte(std::string& text, std::uint8_t byte);
+void AppendCharOfNonAsciiByte(std::string& text, std::uint8_t byte);
+inline void AppendCharOfByte(std::string& text, std::uint8_t byte) {
+  if (byte >= 0x80) return AppendCharOfNonAsciiByte(text, byte);
+  text += static_cast<char>(byte);
+}
 
 }  // namespace vardel

@@ -10,13 +10,18 @@ namespace vardel::decode {
 
 std::optional<ByteArray> ReadBytes(const CCardFormatInfo& format, const ICardFrame& frame,
                                    std::size_t leastBytes, IdleReads idleReads, CCardData& result) {
-  ByteArray bytes(RequireRawBytes(frame).size());
-  if (bytes.size() < leastBytes) {
+  // Made where it is returned: a copy would have to wait for the bytes just stored.
+  std::optional<ByteArray> bytes(std::in_place, RequireRawBytes(frame).size());
+  if (bytes->size() < leastBytes) {
     RecordTooSmall(result);
-    return std::nullopt;
+    bytes.reset();
+    return bytes;
   }
-  ParseHex(frame.RawCardHex(), bytes);
-  if (IsBlank(bytes)) return std::nullopt;
+  ParseHex(frame.RawCardHex(), *bytes);
+  if (IsBlank(*bytes)) {
+    bytes.reset();
+    return bytes;
+  }
   const int count = idleReads.always + (format.IsCardArrayReversed ? idleReads.whenReversed : 0);
   for (int i = 0; i < count; ++i) RequireRawBytes(frame);
   return bytes;
@@ -39,10 +44,6 @@ bool IsBlank(std::span<const std::uint8_t> bytes) {
   const std::uint8_t first = bytes.front();
   return (first == 0 || first == 0xFF) &&
          std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0;
-}
-
-void RequireOccupied(std::int16_t count, int needed) {
-  if (count < needed) throw HostFault(Fault::OutOfRange);
 }
 
 void PutNumbers(const CCardFormatInfo& format, std::uint64_t facility, std::uint64_t cardID,

@@ -4,6 +4,7 @@
 #include <vardel/core/byte_array.h>
 #include <vardel/core/card_data.h>
 #include <vardel/core/frame.h>
+#include <vardel/core/host_fault.h>
 #include <vardel/format/card_format_info.h>
 
 #include <cstddef>
@@ -45,7 +46,9 @@ bool IsBlank(std::span<const std::uint8_t> bytes);
 
 /// Ends in fault 9 where a descriptor's count of occupied bytes is below what the decoder needs.
 /// More are no harm: what lies beyond the read is skipped.
-void RequireOccupied(std::int16_t count, int needed);
+inline void RequireOccupied(std::int16_t count, int needed) {
+  if (count < needed) throw HostFault(Fault::OutOfRange);
+}
 
 /// The card value in the first `Count` bytes, which the read must have.
 template <std::size_t Count>

@@ -6,14 +6,17 @@
 namespace vardel::encode {
 namespace {
 
-bool Parse(std::string_view text, Field& field) {
-  if (ParseDigits(text, field.digits)) {
-    field.number = static_cast<double>(field.digits);
-    return true;
-  }
-  const std::optional<double> number = ParseNumber(text);
+/// Parse for texts that are not plain digits.
+bool ParseOther(std::string_view text, Field& field) {
+  const std::optional<double> number = ParseAnyNumber(text);
   field = {.number = number.value_or(0)};
   return number.has_value();
+}
+
+bool Parse(std::string_view text, Field& field) {
+  if (!ParseDigits(text, field.digits)) return ParseOther(text, field);
+  field.number = static_cast<double>(field.digits);
+  return true;
 }
 
 bool Accept(CCardFormatInfo& format, std::string_view text, double min, double max,
@@ -31,7 +34,8 @@ bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, Field& field) 
                 field);
 }
 
-bool AcceptFields(CCardFormatInfo& format, const CCardData& card, EachField each, Fields& fields) {
+bool AcceptAnyFields(CCardFormatInfo& format, const CCardData& card, EachField each,
+                     Fields& fields) {
   if (!Accept(format, card.Facility, format.MinFacility, format.MaxFacility,
               message::kIncorrectFacilityCode, fields.facility)) {
     return false;

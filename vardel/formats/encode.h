@@ -54,8 +54,25 @@ bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, Field& field);
 /// bytes ends the encode there, before the next field is looked at. HID standard does not.
 enum class EachField { IsOnlySummed, IsConverted };
 
+/// AcceptFields without the short way.
+bool AcceptAnyFields(CCardFormatInfo& format, const CCardData& card, EachField each,
+                     Fields& fields);
+
+/// Sets `field` where the text is plain digits within the limits.
+inline bool AcceptDigits(std::string_view text, double min, double max, Field& field) {
+  if (!ParseDigits(text, field.digits)) return false;
+  field.number = static_cast<double>(field.digits);
+  return min <= field.number && field.number <= max;
+}
+
 /// As AcceptCardID, for the facility code and then the card number.
-bool AcceptFields(CCardFormatInfo& format, const CCardData& card, EachField each, Fields& fields);
+inline bool AcceptFields(CCardFormatInfo& format, const CCardData& card, EachField each,
+                         Fields& fields) {
+  // Digits within the limits leave nothing to record and nothing that a conversion could refuse.
+  return (AcceptDigits(card.Facility, format.MinFacility, format.MaxFacility, fields.facility) &&
+          AcceptDigits(card.CardID, format.MinCardID, format.MaxCardID, fields.cardID)) ||
+         AcceptAnyFields(format, card, each, fields);
+}
 
 /// Converts a number into bytes that nobody uses, for the fault of one that does not fit them.
 inline void RequireConvertible(const Field& field) {

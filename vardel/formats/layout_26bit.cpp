@@ -3,14 +3,7 @@
 
 namespace vardel::layout_26bit {
 
-void Encode(const CCardFormatInfo& format, const encode::Fields& fields, CardDataStruct& record) {
-  const std::uint64_t value = encode::Sum(fields, 17, 4);
-  encode::PutRecord(format, value | bits::ParityOf(value, kParity), record);
-}
-
 void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData& result) {
-  const int cardBytes = format.OccupiedByteCardId;
-  const int facilityBytes = format.OccupiedByteFacility;
   decode::RequireOccupied(format.OccupiedByteCardId, 1);
   decode::RequireOccupied(format.OccupiedByteFacility, 1);
 
@@ -21,12 +14,11 @@ void PutFields(const CCardFormatInfo& format, const ByteArray& bytes, CCardData&
   // The card number ends with bit 0 of its last byte; the facility code begins with the other seven
   // bits of that byte and ends with bit 0 of its own last one. Both still have bit 0 of the value,
   // cleared, below them.
-  const int shared = cardBytes - 1;
+  const int shared = format.OccupiedByteCardId - 1;
+  const int last = shared + format.OccupiedByteFacility - 1;
   const std::uint64_t cardID = shared < 4 ? bits::Get(value, 0, 8 * shared + 1) : value;
   std::uint64_t facility = byteAt(shared) & 0xFE;
-  if (facilityBytes > 1 && (byteAt(shared + facilityBytes - 1) & 1) != 0) {
-    facility |= std::uint64_t{1} << 8 * (facilityBytes - 1);  // within the value's four bytes
-  }
+  if (last > shared && last < 4) facility |= (byteAt(last) & 1) << 8 * (last - shared);
   decode::PutNumbers(format, facility >> 1, cardID >> 1, result);
 }
 

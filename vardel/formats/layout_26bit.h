@@ -44,7 +44,11 @@ constexpr FormatParameters Parameters(CardType type, std::int16_t subType, std::
 
 /// The record of two accepted numbers. Fractions travel through the sum and are rounded into the
 /// bytes; what reaches bit 0 stays there.
-void Encode(const CCardFormatInfo& format, const encode::Fields& fields, CardDataStruct& record);
+inline void Encode(const CCardFormatInfo& format, const encode::Fields& fields,
+                   CardDataStruct& record) {
+  const std::uint64_t value = encode::Sum(fields, 17, 4);
+  encode::PutRecord(format, value | bits::ParityOf(value, kParity), record);
+}
 
 /// Puts the fields of a read into the result. Where one field ends and the other begins follows the
 /// descriptor's occupied bytes (3 and 2): each has to be at least 1, or fault 9.
