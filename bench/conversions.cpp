@@ -1,5 +1,6 @@
 #include "bench/allocations.h"
 #include "bench/floor.h"
+#include "bench/reference.h"
 #include <vardel/core/card_frame.h>
 #include <vardel/core/host_fault.h>
 #include <vardel/facade/card.h>
@@ -26,20 +27,25 @@ void Measure(benchmark::State& state, F&& call) {
       static_cast<double>(AllocationCount() - before), benchmark::Counter::kAvgIterations);
 }
 
-/// A format and the largest fields that its samples take.
+/// A format, the largest fields that its samples take, and what it is held against.
 struct Format {
   const char* name;
   std::int32_t type;
   std::uint8_t subType;
   std::uint32_t maxFacility;
   std::uint32_t maxCardID;
+  const char* reference = "HIDStandard";
 };
 
 constexpr Format kFormats[] = {
-    {"HIDStandard", 2, 1, 255, 65535},   {"EM", 1, 1, 255, 65535},
-    {"HIDCorp1000", 2, 4, 4095, 524287}, {"37Bits", 2, 3, 65535, 524287},
-    {"34Bits", 2, 5, 65535, 65535},      {"Binary26", 2, 2, 0, 67108863},
-    {"UID32Bits", 3, 1, 0, 4294967294},  {"DongSeo", 3, 5, 0, 99999999},
+    {"HIDStandard", 2, 1, 255, 65535, "floor26"},
+    {"EM", 1, 1, 255, 65535, "floor26"},
+    {"HIDCorp1000", 2, 4, 4095, 524287, "floor35"},
+    {"37Bits", 2, 3, 65535, 524287},
+    {"34Bits", 2, 5, 65535, 65535},
+    {"Binary26", 2, 2, 0, 67108863},
+    {"UID32Bits", 3, 1, 0, 4294967294},
+    {"DongSeo", 3, 5, 0, 99999999},
 };
 
 /// Cards as they come, one after the other: the same card over and over would flatter every branch.
@@ -175,4 +181,11 @@ const int registered = [] {
 }();
 
 }  // namespace
+
+std::string Reference(const std::string& name) {
+  const std::size_t slash = name.find('/');
+  const auto format = std::ranges::find(kFormats, name.substr(slash + 1), &Format::name);
+  return format == std::end(kFormats) ? "" : name.substr(0, slash + 1) + format->reference;
+}
+
 }  // namespace vardel

@@ -3,7 +3,7 @@
 #include <vardel/core/card_byte_data.h>
 #include <vardel/core/card_frame.h>
 #include <vardel/core/hex.h>
-#include <vardel/core/type_code.h>
+#include <vardel/format/mod_card.h>  // with the checks of types and pairs
 
 #include <gtest/gtest.h>
 

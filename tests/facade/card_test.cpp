@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <set>
 
@@ -85,6 +86,19 @@ TEST(CardTest, CarriesAFormatsErrorUntilSomeoneClearsIt) {
   const auto dongSeo = card.CardFormat(3, 5);
   EXPECT_EQ(FaultOf([&] { dongSeo->MakeCardData(Card(3, 5, "", "", "5")); }), 5);
   EXPECT_EQ(ErrorOf(*dongSeo), "-1 Incorrect Card ID");
+  EXPECT_EQ(FaultOf([&] { dongSeo->MakeCardData(nullptr); }), 91);
+  EXPECT_EQ(ErrorOf(*dongSeo), "0 ") << "cleared before the card is looked at";
+}
+
+TEST(CardTest, TakesALimitThatIsNotANumberAsTheFormatSays) {
+  const CCard card;
+  for (const int subType : {1, 5}) {  // 34 bits by its validators, to which nothing is within that
+    const auto format = card.CardFormat(2, subType);
+    format->MaxCardID = std::nan("");
+    EXPECT_FALSE(format->IsCardIDValid("1"));
+    format->MakeCardData(Card(2, 1, "1", "1"));
+    EXPECT_EQ(ErrorOf(*format), subType == 1 ? "0 " : "-1 Incorrect Card ID");
+  }
 }
 
 TEST(CardTest, DecodesByTheFramesPairOrAsEM) {

@@ -73,6 +73,8 @@ TEST(CardTypesTest, KeepsClearsOrRecordsTheErrorByMember) {
     for (const char* k : keys) expect([&] { return (types.*putByKey)(k, "x"), ""; }, "", missed);
   }
   EXPECT_EQ(hid->ShortName + hid->TypeName, "shortname");
+  EXPECT_EQ(FaultOf([&] { types.ShortName("513", "new"); }), 91);
+  EXPECT_EQ(hid->ShortName, "new") << "stored before the error is cleared";
 }
 
 std::string StateOf(const CCardType& entry) {

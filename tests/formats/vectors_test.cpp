@@ -74,7 +74,7 @@ std::string FacadeAnswer(CCard& facade, const Vector& row, std::int32_t type,
 class VectorsTest : public testing::TestWithParam<CardFormatClass> {};
 
 TEST_P(VectorsTest, Hold) {
-  const auto& [className, type, subType, isInFacade, create] = GetParam();
+  const auto& [className, type, subType, isInFacade, isConverted, create] = GetParam();
   int count = 0;
   for (const Vector& row : Vectors()) {
     if (row.className != className) continue;
@@ -94,9 +94,11 @@ TEST_P(VectorsTest, Hold) {
     EXPECT_EQ(ErrorOf(*format), isRecorded ? ErrorOf(row.card) : isCleared ? "0 " : "5 earlier");
 
     CCard facade;
+    EXPECT_EQ(facade.IsCardType(type, subType), isConverted);
+    EXPECT_EQ(facade.IsExisted(type, subType), isInFacade);
     const bool isOwn = row.card.CardType == type && row.card.CardSubType == subType;
-    const bool isConverted = row.operation == "decode" || (isEncode && isOwn);
-    if (!isConverted || !facade.IsCardType(type, subType)) continue;
+    const bool isConversion = row.operation == "decode" || (isEncode && isOwn);
+    if (!isConversion || !isConverted) continue;
     PutChanges(*facade.CardFormat(type, subType), row);
     EXPECT_EQ(FacadeAnswer(facade, row, type, subType), row.answer) << "through the facade";
     EXPECT_EQ(ErrorOf(facade), "0 ");

@@ -2,6 +2,7 @@
 #include <vardel/core/host_fault.h>
 
 #include <cstddef>
+#include <new>
 
 namespace vardel {
 
@@ -11,6 +12,9 @@ void CCardByteData::InitCardData(std::int32_t ParamCardType) try {
   if (ErrNumber() == 0) CardDataStruct = {};
 } catch (const HostFault&) {
   // There is no error object, and so none to record that on.
+} catch (const std::bad_alloc&) {
+  // A text short enough to need no memory.
+  MakeErr(kContentError, HostFault(Fault::OutOfMemory).what());
 }
 
 std::int32_t CCardByteData::CardDataByteCount() const {

@@ -15,8 +15,8 @@ class CCardByteData : public ErrorHolder {
  public:
   /// Starts over for a card of the given type: clears the error, puts the type and, when that is
   /// valid, zeroes the bytes. Records "Incorrect Card Type" for any type but 1, 2 and 3, the
-  /// default included, and then keeps bytes and type. Without an error object it does nothing, and
-  /// is no fault.
+  /// default included, and then keeps bytes and type. Nothing is thrown: without an error object it
+  /// does nothing, and without memory for the message it records "Out of memory".
   void InitCardData(std::int32_t ParamCardType = CARD_UNKNOWN);
 
   std::int32_t CardType() const { return cardType_; }

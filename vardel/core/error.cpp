@@ -6,8 +6,8 @@
 namespace vardel {
 
 void CError::MakeErr(std::int32_t ErrCode, std::string_view ErrMsg) {
+  ErrName = ErrMsg;  // first: where there is no memory for it, nothing changes
   ErrNumber = ErrCode;
-  ErrName = ErrMsg;
 }
 
 std::shared_ptr<CError> ErrorHolder::Error() {

@@ -27,7 +27,7 @@ inline constexpr std::string_view kIncorrectCardRevision = "Incorrect Card Revis
 /// Number of every recorded content error.
 inline constexpr std::int32_t kContentError = -1;
 
-/// An error record. Nothing here can fail.
+/// An error record. MakeErr needs memory for a long text; without it nothing changes.
 class CError {
  public:
   /// Message of the last recorded error; "" when there is none.

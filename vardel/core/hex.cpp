@@ -2,9 +2,11 @@
 #include <vardel/core/host_fault.h>
 
 #include <array>
-#include <bit>
 #include <cstddef>
-#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace vardel {
 namespace {
@@ -29,44 +31,39 @@ constexpr std::array<std::uint8_t, 256> kDigitValues = MakeDigitValues();
 
 unsigned DigitValue(char c) { return kDigitValues[static_cast<std::uint8_t>(c)]; }
 
-/// One in every byte of a word.
-constexpr std::uint64_t kOnes = 0x0101010101010101;
-
-/// Sets the top bit of each byte that is within low..high; all bytes are below 80.
-constexpr std::uint64_t Within(std::uint64_t bytes, unsigned low, unsigned high) {
-  return (bytes + kOnes * (0x80 - low)) & ~(bytes + kOnes * (0x7F - high));
+#ifdef __SSE2__
+/// Parses eight bytes at a time and says how many it has done: all but the rest that is no eight,
+/// or less where something else than a digit comes. The values of 16 digits at once are found as in
+/// Wojciech Mula's "Parsing hex numbers with validation".
+std::size_t ParseEights(std::string_view hex, std::span<std::uint8_t> bytes) {
+  const auto each = [](int value) { return _mm_set1_epi8(static_cast<char>(value)); };
+  std::size_t done = 0;
+  for (; done + 8 <= bytes.size(); done += 8) {
+    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(hex.data() + 2 * done));
+    // '0' to '9' become F6 to FF, F0 to F9, 0 to 9; everything else comes to lie above 15.
+    const __m128i high = _mm_subs_epu8(_mm_add_epi8(text, each(0xFF - '9')), each(6));
+    const __m128i digits = _mm_sub_epi8(high, each(0xF0));
+    // Letters of either case become 0 to 5, 10 to 15; everything else comes to lie above 15.
+    const __m128i upper = _mm_and_si128(text, each(0xDF));
+    const __m128i letters = _mm_adds_epu8(_mm_sub_epi8(upper, each('A')), each(10));
+    const __m128i values = _mm_min_epu8(digits, letters);
+    if (_mm_movemask_epi8(_mm_adds_epu8(values, each(127 - 15))) != 0) break;
+    // The first digit of a pair is in its lower byte.
+    const __m128i pairs = _mm_or_si128(_mm_slli_epi16(values, 4), _mm_srli_epi16(values, 8));
+    const __m128i lows = _mm_and_si128(pairs, _mm_set1_epi16(0xFF));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes.data() + done), _mm_packus_epi16(lows, lows));
+  }
+  return done;
 }
-
-/// Four bytes from eight digits, the first digit in the lowest byte of `text`. False where one of
-/// them is no digit.
-bool ParseEight(std::uint64_t text, std::uint32_t& value) {
-  constexpr std::uint64_t kTop = kOnes * 0x80;
-  if ((text & kTop) != 0) return false;
-  const std::uint64_t valid = Within(text, '0', '9') | Within(text | kOnes * 0x20, 'a', 'f');
-  if ((valid & kTop) != kTop) return false;
-  // A letter's code ends in its value less 9.
-  std::uint64_t digits = (text & kOnes * 0x0F) + 9 * (text >> 6 & kOnes);
-  digits = (digits << 4 | digits >> 8) & 0x00FF00FF00FF00FF;
-  digits = (digits | digits >> 8) & 0x0000FFFF0000FFFF;
-  value = static_cast<std::uint32_t>(digits | digits >> 16);
-  return true;
-}
+#else
+std::size_t ParseEights(std::string_view /*hex*/, std::span<std::uint8_t> /*bytes*/) { return 0; }
+#endif
 
 }  // namespace
 
 void ParseHex(std::string_view hex, std::span<std::uint8_t> bytes) {
   if (hex.size() / 2 < bytes.size()) throw HostFault(Fault::TypeMismatch);
-  std::size_t i = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 4 <= bytes.size(); i += 4) {
-      std::uint64_t text = 0;
-      std::uint32_t value = 0;
-      std::memcpy(&text, hex.data() + 2 * i, sizeof(text));
-      if (!ParseEight(text, value)) throw HostFault(Fault::TypeMismatch);
-      std::memcpy(bytes.data() + i, &value, sizeof(value));
-    }
-  }
-  for (; i < bytes.size(); ++i) {
+  for (std::size_t i = ParseEights(hex, bytes); i < bytes.size(); ++i) {
     const unsigned high = DigitValue(hex[2 * i]);
     const unsigned low = DigitValue(hex[2 * i + 1]);
     if ((high | low) > 0xF) throw HostFault(Fault::TypeMismatch);

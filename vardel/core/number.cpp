@@ -1,8 +1,11 @@
+#include <vardel/core/bits.h>
 #include <vardel/core/decimal.h>
 #include <vardel/core/host_fault.h>
 #include <vardel/core/number.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -37,18 +40,34 @@ std::optional<double> ValueOf(std::string_view whole, std::string_view fraction,
                       power - static_cast<std::int64_t>(fraction.size()));
 }
 
-}  // namespace
-
-bool ParseOtherDigits(std::string_view text, std::int64_t& value) {
-  if (text.size() <= 8 || text.size() > 15) return false;
-  const std::size_t upperCount = text.size() - 8;
-  std::int64_t upper = 0;
-  std::int64_t lower = 0;
-  if (!ParseDigits(text.substr(0, upperCount), upper)) return false;
-  if (!ParseDigits(text.substr(upperCount), lower)) return false;
-  value = upper * 100000000 + lower;
-  return true;
+void AssignFilled(std::string& text, std::string_view digits, std::int16_t charCount) {
+  if (charCount < 0) throw HostFault(Fault::InvalidCall);
+  const auto width = static_cast<std::size_t>(charCount);
+  text.assign(width - std::min(width, digits.size()), '0');
+  text += digits;
 }
+
+/// AssignNumber without the short way.
+void AssignAnyNumber(std::string& text, std::uint64_t value, std::int16_t charCount) {
+  std::array<char, 20> digits;  // the largest has as many
+  const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  AssignFilled(text, {digits.data(), end}, charCount);
+}
+
+/// The two digits of each number below 100 as characters, the first in the low byte.
+constexpr std::array<std::uint16_t, 100> kPairs = [] {
+  std::array<std::uint16_t, 100> pairs{};
+  for (unsigned i = 0; i < pairs.size(); ++i) {
+    pairs[i] = static_cast<std::uint16_t>(('0' + i / 10) | ('0' + i % 10) << 8);
+  }
+  return pairs;
+}();
+
+/// Ten to the power of the index; but 0 for the first, as there is no number without a digit.
+constexpr std::array<std::uint32_t, 9> kWidthLimits = {0,      10,      100,      1000,     10000,
+                                                       100000, 1000000, 10000000, 100000000};
+
+}  // namespace
 
 std::optional<double> ParseAnyNumber(std::string_view text) {
   constexpr std::string_view kSpace = " \t";
@@ -98,23 +117,27 @@ std::string NumberText(double value) {
 }
 
 void AssignNumber(std::string& text, std::uint64_t value, std::int16_t charCount) {
-  if (charCount < 0) throw HostFault(Fault::InvalidCall);
-  text.assign(static_cast<std::size_t>(charCount), '0');
-  // As many digits as there are places, whatever the value: nothing to mispredict.
-  for (std::size_t place = text.size(); place > 0; --place) {
-    text[place - 1] = static_cast<char>('0' + value % 10);
-    value /= 10;
+  const auto width = static_cast<std::uint16_t>(charCount);
+  if (width >= kWidthLimits.size() || value >= kWidthLimits[width]) {
+    return AssignAnyNumber(text, value, charCount);
   }
-  if (value != 0 || text.empty()) text.insert(0, std::to_string(value));
+  // Eight digits, of which the last ones are shown: in pairs from a table, as in Andrei
+  // Alexandrescu's "Three Optimization Tips for C++", none of which waits for another.
+  const auto number = static_cast<std::uint32_t>(value);
+  const std::uint32_t upper = number / 10000;
+  const std::uint32_t lower = number % 10000;
+  const std::uint64_t digits = kPairs[upper / 100] | std::uint64_t{kPairs[upper % 100]} << 16 |
+                               std::uint64_t{kPairs[lower / 100]} << 32 |
+                               std::uint64_t{kPairs[lower % 100]} << 48;
+  const auto characters =
+      std::bit_cast<std::array<char, 8>>(bits::ToBytes(digits >> 8 * (8U - width)));
+  text = std::string(characters.data(), characters.size());
+  text.erase(width);
 }
 
 void AssignNumber(std::string& text, double value, std::int16_t charCount) {
   if (const auto whole = WholeNumber(value)) return AssignNumber(text, *whole, charCount);
-  if (charCount < 0) throw HostFault(Fault::InvalidCall);
-  const std::string digits = WholeText(value);
-  const auto width = static_cast<std::size_t>(charCount);
-  text.assign(width > digits.size() ? width - digits.size() : 0, '0');
-  text.append(digits);
+  AssignFilled(text, WholeText(value), charCount);
 }
 
 }  // namespace vardel

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vardel/core/text.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -11,29 +9,17 @@
 /// Numbers travel as decimal text and are computed with as doubles.
 namespace vardel {
 
-/// ParseDigits for texts of any other size than 1 to 8.
-bool ParseOtherDigits(std::string_view text, std::int64_t& value);
-
 /// Whether the text is 1 to 15 digits and nothing else, as nearly all fields are; then `value`,
 /// which a double holds exactly, is set. A bare bool because an optional costs the hot path its
 /// registers.
 inline bool ParseDigits(std::string_view text, std::int64_t& value) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  const std::size_t size = text.size();
-  if (size < 1 || size > 8) return ParseOtherDigits(text, value);
-
-  const std::size_t unused = 64 - 8 * size;
-  std::uint64_t digits = WordOf(text) << unused;
-  digits ^= kOnes * '0' << unused;
-  if (((digits | (digits + kOnes * (0x80 - 10))) & kOnes * 0x80) != 0) return false;
-
-  // Digits to pairs, in every second byte; then each pair times its weight, all summed up in the
-  // upper half.
-  constexpr std::uint64_t kPairs = 0x000000FF000000FF;
-  digits = digits * 10 + (digits >> 8);
-  const std::uint64_t sum = (digits & kPairs) * (100 + (std::uint64_t{1000000} << 32)) +
-                            (digits >> 16 & kPairs) * (1 + (std::uint64_t{10000} << 32));
-  value = static_cast<std::int64_t>(sum >> 32);
+  if (text.empty() || text.size() > 15) return false;
+  std::int64_t number = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') return false;
+    number = number * 10 + (c - '0');
+  }
+  value = number;
   return true;
 }
 

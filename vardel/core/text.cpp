@@ -63,7 +63,7 @@ char32_t TakeMultiByteChar(std::string_view& rest) noexcept {
   return character;
 }
 
-std::size_t CountChars(std::string_view text) noexcept {
+std::size_t CharCount(std::string_view text) noexcept {
   std::size_t count = 0;
   for (; !text.empty(); ++count) TakeChar(text);
   return count;
@@ -75,7 +75,7 @@ std::string_view FirstChars(std::string_view text, std::size_t count) noexcept {
   return text.substr(0, text.size() - rest.size());
 }
 
-std::string_view CutToLastChars(std::string_view text, std::size_t count) noexcept {
+std::string_view LastChars(std::string_view text, std::size_t count) noexcept {
   const std::size_t total = CharCount(text);
   for (std::size_t excess = total - std::min(total, count); excess > 0; --excess) TakeChar(text);
   return text;
@@ -95,12 +95,8 @@ std::uint8_t ByteOfNonAsciiChar(char32_t character) {
   return static_cast<std::uint8_t>(kFirstRemapped + place);
 }
 
-void AppendCharOfByte(std::string& text, std::uint8_t byte) {
+void AppendCharOfNonAsciiByte(std::string& text, std::uint8_t byte) {
   const char32_t character = IsRemapped(byte) ? kRemapped[byte - kFirstRemapped] : byte;
-  if (character < 0x80) {
-    text += static_cast<char>(character);
-    return;
-  }
   if (character < 0x800) {
     text += static_cast<char>(0xC0 | (character >> 6));
   } else {

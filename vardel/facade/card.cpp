@@ -3,8 +3,10 @@
 #include <vardel/core/host_fault.h>
 #include <vardel/core/type_code.h>
 #include <vardel/facade/card.h>
-#include <vardel/formats/card_formats.h>
+#include <vardel/format/mod_card.h>
+#include <vardel/formats/format_table.h>
 
+#include <algorithm>
 #include <cstddef>
 
 namespace vardel {
@@ -16,13 +18,31 @@ static_assert(kFillerText.size() == 64);
 
 thread_local CardFiller filler;
 
-/// The place of a type code among a facade's formats; the first, which stays empty, for all codes
+/// The place of a type pair among a facade's formats; the first, which stays empty, for all pairs
 /// that no format can have.
-std::size_t Slot(std::int32_t code) {
-  const auto type = static_cast<std::uint32_t>(code) / 256;
-  const auto subType = static_cast<std::uint32_t>(code) % 256;
-  return type < 4 && subType < 8 ? type * 8 + subType : 0;
+constexpr std::size_t Slot(std::uint32_t cardType, std::uint32_t cardSubType) {
+  return cardType < 4 && cardSubType < 8 ? cardType * 8 + cardSubType : 0;
 }
+constexpr std::size_t Slot(const CardFormatClass& row) {
+  return Slot(static_cast<std::uint32_t>(row.CardType),
+              static_cast<std::uint32_t>(row.CardSubType));
+}
+std::size_t Slot(std::int32_t code) {
+  const auto bits = static_cast<std::uint32_t>(code);
+  return Slot(bits / 256, bits % 256);
+}
+
+static_assert(std::ranges::all_of(kFormatTable, [](const auto& row) { return Slot(row) != 0; }),
+              "a format's type pair has no place: widen Slot here and CCard::formats_ in card.h");
+
+/// One bit for each place whose format the facade converts with.
+constexpr std::uint32_t kConverted = [] {
+  std::uint32_t bits = 0;
+  for (const CardFormatClass& row : kFormatTable) {
+    if (row.IsConverted) bits |= std::uint32_t{1} << Slot(row);
+  }
+  return bits;
+}();
 
 }  // namespace
 
@@ -30,17 +50,15 @@ const CardFiller& LibraryFiller() { return filler; }
 
 CCard::CCard() {
   filler = {.Length = static_cast<std::int32_t>(kFillerText.size()), .Text = kFillerText};
-  for (const CardFormatClass& row : CardFormatClasses()) {
-    if (row.IsInFacade) {
-      formats_[Slot(TypeCode(row.CardType, row.CardSubType))] = row.Create();
-    }
+  for (const CardFormatClass& row : kFormatTable) {
+    if (row.IsInFacade) formats_[Slot(row)] = row.Create();
   }
 }
 
-const std::shared_ptr<CCardFormatInfo>& CCard::Format(std::int32_t code) const {
-  const auto& format = formats_[Slot(code)];
-  if (format == nullptr) throw HostFault(Fault::ObjectRequired);
-  return format;
+CCardFormatInfo* CCard::Converter(std::int32_t cardType, std::int32_t cardSubType) const {
+  const std::size_t slot =
+      Slot(static_cast<std::uint32_t>(cardType), static_cast<std::uint32_t>(cardSubType));
+  return (kConverted >> slot & 1) != 0 ? formats_[slot].get() : nullptr;
 }
 
 std::shared_ptr<CCardFormatInfo> CCard::CardFormat(std::int32_t CardType,
@@ -49,7 +67,9 @@ std::shared_ptr<CCardFormatInfo> CCard::CardFormat(std::int32_t CardType,
 }
 
 std::shared_ptr<CCardFormatInfo> CCard::CardFormatByCode(std::int32_t CardTypeCode) const {
-  return Format(CardTypeCode);
+  const auto& format = formats_[Slot(CardTypeCode)];
+  if (format == nullptr) throw HostFault(Fault::ObjectRequired);
+  return format;
 }
 
 bool CCard::IsExisted(std::int32_t CardType, std::int32_t CardSubType) const {
@@ -75,17 +95,17 @@ CCardByteData CCard::MakeCardData(const CCardData* InCardData) {
   ErrName.clear();
   const CCardData& card = RequireObject(InCardData);
   CCardByteData result;
-  if (!IsValidTypePair(card.CardType, card.CardSubType)) {
-    ErrNumber = kContentError;
+  CCardFormatInfo* const format = Converter(card.CardType, card.CardSubType);
+  if (format == nullptr) {
     ErrName = message::kUnknownCardType;
+    ErrNumber = kContentError;
     return result;
   }
-  CCardFormatInfo& format = *Format(TypeCode(card.CardType, card.CardSubType));
   result.CardType(card.CardType);
   result.CardSubType(card.CardSubType);
-  format.Encode(card, result.CardDataStruct);
-  if (format.ErrNumber() != 0) result.ErrNumber(format.ErrNumber());
-  if (!format.ErrName().empty()) result.ErrName(format.ErrName());
+  format->Encode(card, result.CardDataStruct);
+  if (format->ErrNumber() != 0) result.ErrNumber(format->ErrNumber());
+  if (!format->ErrName().empty()) result.ErrName(format->ErrName());
   return result;
 }
 
@@ -93,12 +113,10 @@ CCardData CCard::AnalyzeCardData(const ICardFrame* UFrame) const {
   const ICardFrame& frame = RequireObject(UFrame);
   const std::int32_t cardType = frame.FrameCardType();
   const std::int32_t cardSubType = frame.FrameCardSubType();
+  CCardFormatInfo* format = Converter(cardType, cardSubType);
+  if (format == nullptr && frame.IsEMFrame()) format = Converter(CARD_EM, CARD_SUB_EM_STD_26BITS);
   CCardData result;
-  if (IsValidTypePair(cardType, cardSubType)) {
-    Format(TypeCode(cardType, cardSubType))->Decode(frame, result);
-  } else if (frame.IsEMFrame()) {
-    Format(TypeCode(CARD_EM, CARD_SUB_EM_STD_26BITS))->Decode(frame, result);
-  }
+  if (format != nullptr) format->Decode(frame, result);
   return result;
 }
 

@@ -60,15 +60,15 @@ class CCard {
   CCardData AnalyzeCardData(const ICardFrame* UFrame) const;
 
  private:
-  /// The registered format of a type code, without taking a share in it.
-  const std::shared_ptr<CCardFormatInfo>& Format(std::int32_t code) const;
+  /// The format that converts cards of the pair; null where IsCardType refuses it.
+  CCardFormatInfo* Converter(std::int32_t cardType, std::int32_t cardSubType) const;
 
   /// One place for each pair of a main type and a sub-type; null where no format is registered.
   std::array<std::shared_ptr<CCardFormatInfo>, 32> formats_;
 };
 
-/// A length and a text of so many zeros, which every new facade sets for its thread. Nothing reads
-/// them.
+/// Values of the suite that come with the library: a text of zeros and its length. Every new facade
+/// sets them for its thread. The library itself has no use for them; this is where hosts find them.
 struct CardFiller {
   std::int32_t Length = 0;
   std::string_view Text;

@@ -62,20 +62,27 @@ std::shared_ptr<CCardType> CCardTypes::Find(std::int32_t code) const {
   return place == places_.end() ? nullptr : entries_[place->second].cardType;
 }
 
-std::shared_ptr<CCardType> CCardTypes::FindByKey(std::string_view key) {
+std::shared_ptr<CCardType> CCardTypes::Find(std::string_view key) const {
   std::int32_t code = 0;
   const auto [end, error] = std::from_chars(key.data(), key.data() + key.size(), code);
   // Only the one text that the code itself is written as.
   if (error != std::errc() || Key(code) != key) return nullptr;
-  auto entry = Find(code);
+  return Find(code);
+}
+
+std::shared_ptr<CCardType> CCardTypes::FindToRead(std::string_view key) {
+  auto entry = Find(key);
   if (entry) InitErr();
   return entry;
 }
 
-std::shared_ptr<CCardType> CCardTypes::FindForPut(std::string_view key) {
-  auto entry = FindByKey(key);
-  if (!entry) MakeErr(kContentError, "");
-  return entry;
+void CCardTypes::Rename(std::string_view key, std::string CCardType::*member,
+                        std::string_view name) {
+  const auto entry = Find(key);
+  if (!entry) return MakeErr(kContentError, "");
+  // The name first: it stays also where there is no error object to clear.
+  (*entry).*member = name;
+  InitErr();
 }
 
 bool CCardTypes::Add(std::shared_ptr<CCardType> NewCardType, std::int32_t InCardTypeCode) {
@@ -132,31 +139,31 @@ std::int32_t CCardTypes::Count() {
 }
 
 std::string CCardTypes::DefaultShortName(std::string_view InCardTypeCode) {
-  const auto entry = FindByKey(InCardTypeCode);
+  const auto entry = FindToRead(InCardTypeCode);
   return entry ? entry->DefaultShortName() : std::string();
 }
 
 std::string CCardTypes::DefaultName(std::string_view InCardTypeCode) {
-  const auto entry = FindByKey(InCardTypeCode);
+  const auto entry = FindToRead(InCardTypeCode);
   return entry ? entry->DefaultName() : std::string();
 }
 
 std::string CCardTypes::ShortName(std::string_view InCardTypeCode) {
-  const auto entry = FindByKey(InCardTypeCode);
+  const auto entry = FindToRead(InCardTypeCode);
   return entry ? entry->ShortName : std::string();
 }
 
 std::string CCardTypes::CardTypeName(std::string_view InCardTypeCode) {
-  const auto entry = FindByKey(InCardTypeCode);
+  const auto entry = FindToRead(InCardTypeCode);
   return entry ? entry->TypeName : std::string();
 }
 
 void CCardTypes::ShortName(std::string_view InCardTypeCode, std::string_view name) {
-  if (const auto entry = FindForPut(InCardTypeCode)) entry->ShortName = name;
+  Rename(InCardTypeCode, &CCardType::ShortName, name);
 }
 
 void CCardTypes::CardTypeName(std::string_view InCardTypeCode, std::string_view name) {
-  if (const auto entry = FindForPut(InCardTypeCode)) entry->TypeName = name;
+  Rename(InCardTypeCode, &CCardType::TypeName, name);
 }
 
 std::string CCardTypes::GetDefaultShortName(std::int32_t InCardType, std::int32_t InCardSubType) {

@@ -47,7 +47,8 @@ class CCardTypes : public ErrorHolder {
   std::string DefaultName(std::string_view InCardTypeCode);
   std::string ShortName(std::string_view InCardTypeCode);
   std::string CardTypeName(std::string_view InCardTypeCode);
-  // Renaming by code. A hit clears the error; a miss records -1 with an empty message.
+  // Renaming by code. A hit stores the name, then clears the error; a miss records -1 with an empty
+  // message.
   void ShortName(std::string_view InCardTypeCode, std::string_view name);
   void CardTypeName(std::string_view InCardTypeCode, std::string_view name);
 
@@ -69,10 +70,10 @@ class CCardTypes : public ErrorHolder {
 
   bool Insert(std::int32_t code, std::shared_ptr<CCardType> cardType);
   std::shared_ptr<CCardType> Find(std::int32_t code) const;
-  /// Finds by key text; a hit clears the error.
-  std::shared_ptr<CCardType> FindByKey(std::string_view key);
-  /// The entry to rename; a miss is recorded.
-  std::shared_ptr<CCardType> FindForPut(std::string_view key);
+  std::shared_ptr<CCardType> Find(std::string_view key) const;
+  /// Find for the reads by key text: a hit clears the error.
+  std::shared_ptr<CCardType> FindToRead(std::string_view key);
+  void Rename(std::string_view key, std::string CCardType::*member, std::string_view name);
 
   std::vector<Entry> entries_;
   std::unordered_map<std::int32_t, std::size_t> places_;  // code to index in entries_

@@ -73,7 +73,7 @@ CardDataStruct CCardFormatInfo::MakeCardData(const CCardData* CardData) {
 }
 
 std::optional<CCardData> CCardFormatInfo::AnalyzeCardData(const ICardFrame& UserInfo) {
-  std::optional<CCardData> result(std::in_place);
+  std::optional result = CCardData{};  // made in place it would be zeroed as a whole first
   if (!Decode(UserInfo, *result)) result.reset();
   return result;
 }

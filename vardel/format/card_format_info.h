@@ -101,9 +101,10 @@ class CCardFormatInfo : public ErrorHolder {
 
   /// Encodes a card. Content errors are recorded on the format and give an all-zero record; success
   /// does not clear an earlier error (DongSeo alone clears first, and may give a record beside an
-  /// error). The base gives an all-zero record and records nothing. A null card is fault 91.
+  /// error). The base gives an all-zero record and records nothing. A null card is fault 91, in
+  /// DongSeo with the error pair cleared.
   vardel::CardDataStruct MakeCardData(const CCardData& CardData);
-  vardel::CardDataStruct MakeCardData(const CCardData* CardData);
+  virtual vardel::CardDataStruct MakeCardData(const CCardData* CardData);
 
   /// Decodes a read. Too few bytes record "Too Small Card Data" on the result, whose fields stay
   /// empty (in HID 34-bit they are fault 9); a blank read (all bytes 00 or all FF) has empty fields

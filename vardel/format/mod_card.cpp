@@ -3,6 +3,7 @@
 #include <vardel/core/number.h>
 #include <vardel/core/text.h>
 #include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
 
 #include <algorithm>
 #include <array>
@@ -17,6 +18,12 @@ namespace {
 constexpr std::size_t kMaxNumberBytes = 128;
 
 }  // namespace
+
+bool IsValidTypePair(std::int32_t CardType, std::int32_t CardSubType) {
+  return std::ranges::any_of(CardFormatClasses(), [&](const CardFormatClass& row) {
+    return row.IsConverted && row.CardType == CardType && row.CardSubType == CardSubType;
+  });
+}
 
 bool IsByteArrayVariant(std::uint16_t variantTypeCode) {
   constexpr std::uint16_t kArrayOfBytes = 8192 + 17;
@@ -45,6 +52,7 @@ std::optional<double> ByteArrayToNumber(std::span<const std::uint8_t> Bytes) {
   if (Bytes.empty() || Bytes.size() > kMaxNumberBytes) return std::nullopt;
   double sum = 0;
   double weight = 1;
+  while (!Bytes.empty() && Bytes.back() == 0) Bytes = Bytes.first(Bytes.size() - 1);  // add nothing
   for (const std::uint8_t byte : Bytes) {
     sum += byte * weight;
     weight *= 256;

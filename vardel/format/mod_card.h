@@ -4,6 +4,7 @@
 #include <vardel/core/byte_array_data.h>
 #include <vardel/core/card_data_struct.h>
 #include <vardel/core/frame.h>
+#include <vardel/core/type_code.h>  // IsValidMainType
 
 #include <cstdint>
 #include <optional>
@@ -14,6 +15,10 @@
 /// Conversions that the formats and the facade share. Little-endian: element 0 is the least
 /// significant byte.
 namespace vardel {
+
+/// True for the pairs that the facade converts: EM/1, HID/1, HID/2, HID/5, Mifare/1, Mifare/5.
+/// HID/3, HID/4 and Mifare/2 to 4 are not among them, although formats for most of these exist.
+bool IsValidTypePair(std::int32_t CardType, std::int32_t CardSubType);
 
 /// The automation type code says "array of bytes" (8192 + 17), by value.
 bool IsByteArrayVariant(std::uint16_t variantTypeCode);

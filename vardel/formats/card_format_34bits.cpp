@@ -1,11 +1,14 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/core/host_fault.h>
+#include <vardel/core/number.h>
 #include <vardel/format/format_parameters.h>
 #include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
-#include <vardel/formats/steps.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
 
 #include <algorithm>
+#include <array>
 
 namespace vardel {
 namespace {
@@ -16,6 +19,10 @@ namespace {
 //          E  | facility 8..15 | card no. 8..15  | facility 0..7 | card no. 0..7  | O
 //
 // O makes bits 0 to 16 odd, E makes bits 17 to 33 even. Neither is checked when decoding.
+constexpr std::array<bits::Parity, 2> kParity = {{
+    {.position = 0, .covered = bits::Range(1, 16), .isOdd = true},
+    {.position = 33, .covered = bits::Range(17, 32), .isOdd = false},
+}};
 constexpr int kValueBytes = 5;
 
 constexpr FormatParameters kParameters = {
@@ -33,10 +40,10 @@ constexpr FormatParameters kParameters = {
 
 /// A field's two bytes, the low one at bit `position`, the high one 16 bits above.
 constexpr std::uint64_t Spread(std::uint64_t field, int position) {
-  return (steps::GetBits(field, 0, 8) | steps::GetBits(field, 8, 8) << 16) << position;
+  return (bits::Get(field, 0, 8) | bits::Get(field, 8, 8) << 16) << position;
 }
 constexpr std::uint64_t Gather(std::uint64_t value, int position) {
-  return steps::GetBits(value, position, 8) | steps::GetBits(value, position + 16, 8) << 8;
+  return bits::Get(value, position, 8) | bits::Get(value, position + 16, 8) << 8;
 }
 
 }  // namespace
@@ -46,15 +53,16 @@ CCardFormat34Bits::CCardFormat34Bits() : LimitCheckedFormat(kParameters) {}
 bool CCardFormat34Bits::IsRevisionValid(std::string_view /*InData*/) const { return true; }
 
 void CCardFormat34Bits::Encode(const CCardData& card, vardel::CardDataStruct& record) {
-  steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return;
+  // By its own validators, to which nothing is within a limit that is not a number.
+  if (!IsFacilityValid(card.Facility)) {
+    return encode::Reject(*this, message::kIncorrectFacilityCode);
+  }
+  if (!IsCardIDValid(card.CardID)) return encode::Reject(*this, message::kIncorrectCardID);
 
-  std::uint64_t value = Spread(steps::NumberBytes(fields.cardID.number, 2), 1) |
-                        Spread(steps::NumberBytes(fields.facility.number, 2), 9);
-  value |= (1 ^ steps::Parity(steps::GetBits(value, 1, 16))) |
-           steps::Parity(steps::GetBits(value, 17, 16)) << 33;
+  const std::uint64_t value = Spread(encode::LowBytesOf(RequireNumber(card.CardID), 2), 1) |
+                              Spread(encode::LowBytesOf(RequireNumber(card.Facility), 2), 9);
   // This encoder alone never turns the record around.
-  std::ranges::copy(steps::BytesOf(value), record.Bytes.begin());
+  std::ranges::copy(bits::ToBytes(value | bits::ParityOf(value, kParity)), record.Bytes.begin());
 }
 
 bool CCardFormat34Bits::Decode(const ICardFrame& frame, CCardData& result) {
@@ -62,15 +70,15 @@ bool CCardFormat34Bits::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardSubType = CARD_SUB_HID_34BITS;
   // The raw bytes count here, not their text, and a frame without any is a blank read.
   const RawBytes summary = frame.RawCardBytes();
-  if (!summary || steps::IsBlank(*summary)) return true;
+  if (!summary || decode::IsBlank(*summary)) return true;
 
-  const auto raw = steps::RequireRawBytes(frame);
+  const auto raw = decode::RequireRawBytes(frame);
   const ByteArray bytes = IsCardArrayReversed ? ReverseBytes(raw) : ByteArray(raw);
   if (bytes.size() < kValueBytes) throw HostFault(Fault::OutOfRange);
-  const std::uint64_t value = steps::LowBytes(bytes, kValueBytes);
-  steps::WorkBytes(OccupiedByteCardId, 4);
-  steps::WorkBytes(OccupiedByteFacility, 4);
-  steps::PutNumbers(*this, Gather(value, 9), Gather(value, 1), result);
+  const std::uint64_t value = decode::ValueOf<kValueBytes>(bytes);
+  decode::RequireOccupied(OccupiedByteCardId, 4);
+  decode::RequireOccupied(OccupiedByteFacility, 4);
+  decode::PutNumbers(*this, Gather(value, 9), Gather(value, 1), result);
   return true;
 }
 

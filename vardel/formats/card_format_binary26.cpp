@@ -4,7 +4,8 @@
 #include <vardel/format/format_parameters.h>
 #include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
-#include <vardel/formats/steps.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
 
 namespace vardel {
 namespace {
@@ -34,27 +35,26 @@ constexpr FormatParameters kParameters = {
 
 }  // namespace
 
-CCardFormatBinary26::CCardFormatBinary26() : FacilitylessFormat(kParameters) {}
+CCardFormatBinary26::CCardFormatBinary26() : FormatWithoutFacility(kParameters) {}
 
 bool CCardFormatBinary26::IsCardIDValid(std::string_view /*InData*/) const { return true; }
 
 void CCardFormatBinary26::Encode(const CCardData& card, vardel::CardDataStruct& /*record*/) {
-  steps::Field cardID;
-  if (!steps::AcceptCardID(*this, card, cardID)) return;
-  steps::CheckConversion(cardID);
-  // Cards are only ever read in this format. Hosts know that an accepted number ends so.
+  encode::Field cardID;
+  if (!encode::AcceptCardID(*this, card, cardID)) return;
+  encode::RequireConvertible(cardID);
+  // Cards are only ever read in this format: hosts expect this fault for a number that is accepted.
   throw HostFault(Fault::OutOfRange);
 }
 
 bool CCardFormatBinary26::Decode(const ICardFrame& frame, CCardData& result) {
   // Type and sub-type stay 0.
-  constexpr steps::Rereads kRereads = {.always = 0, .whenReversed = 1};
+  constexpr decode::IdleReads kIdleReads = {.always = 0, .whenReversed = 1};
   if (const auto bytes =
-          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
-    // All bytes of the read count, not just 26 bits. There is no facility code to write, but its
-    // character count is looked at.
-    AssignNumber(result.Facility, std::uint64_t{0}, CharCountFacility);
-    result.Facility.clear();
+          decode::ReadBytes(*this, frame, decode::kLeastProximityBytes, kIdleReads, result)) {
+    // All bytes of the read count, not just 26 bits. There is no facility code to write, yet a
+    // negative character count of it is fault 5.
+    if (CharCountFacility < 0) throw HostFault(Fault::InvalidCall);
     const auto number = ByteArrayToNumber(*bytes);
     AssignNumber(result.CardID, number.value_or(0), CharCountCardID);
     if (!number) result.CardID.clear();

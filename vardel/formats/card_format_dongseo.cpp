@@ -6,7 +6,8 @@
 #include <vardel/format/mod_card.h>
 #include <vardel/formats/card_formats.h>
 #include <vardel/formats/characters.h>
-#include <vardel/formats/steps.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
 
 #include <cstddef>
 #include <iterator>
@@ -46,7 +47,7 @@ constexpr characters::Place Backwards(int start, int count) {
 
 }  // namespace
 
-CCardFormatDongSeo::CCardFormatDongSeo() : FacilitylessFormat(kParameters) {}
+CCardFormatDongSeo::CCardFormatDongSeo() : FormatWithoutFacility(kParameters) {}
 
 bool CCardFormatDongSeo::IsCardIDValid(std::string_view InData) const {
   if (std::int64_t digits = 0; ParseDigits(InData, digits)) {
@@ -62,44 +63,49 @@ bool CCardFormatDongSeo::IsRevisionValid(std::string_view InData) const {
   return IsNumberWithin(InData, MinRevision, MaxRevision);
 }
 
+vardel::CardDataStruct CCardFormatDongSeo::MakeCardData(const CCardData* CardData) {
+  InitErr();
+  return CCardFormatInfo::MakeCardData(CardData);
+}
+
 void CCardFormatDongSeo::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   using characters::Align;
-  using characters::Zero;
+  using characters::BlankStoredAs;
   InitErr();
-  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_DONGSEO)) return;
+  if (!encode::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_DONGSEO)) return;
 
   // A bad card number leaves its bytes 0, and the record is still made; a bad revision leaves its
   // bytes 0 and is not even recorded.
   if (IsCardIDValid(card.CardID)) {
     characters::Put(record, Backwards(0, OccupiedByteCardId), card.CardID,
-                    {OccupiedByteCardId, "0", Align::Right}, Zero::IsZero);
+                    {OccupiedByteCardId, "0", Align::Right}, BlankStoredAs::Blank);
   } else {
-    steps::Reject(*this, message::kIncorrectCardID);
+    encode::Reject(*this, message::kIncorrectCardID);
   }
   if (IsRevisionValid(card.Revision)) {
     characters::Put(
         record, Backwards(OccupiedByteFacility + OccupiedByteCardId, OccupiedByteRevision),
-        LastChars(card.Revision, 2), {CharCountRevision, "0", Align::Right}, Zero::IsZero);
+        LastChars(card.Revision, 2), {CharCountRevision, "0", Align::Right}, BlankStoredAs::Blank);
   }
-  steps::TurnAround(*this, record.Bytes);
+  encode::TurnAround(*this, record.Bytes);
 }
 
 bool CCardFormatDongSeo::Decode(const ICardFrame& frame, CCardData& result) {
-  using characters::Zero;
+  using characters::BlankStoredAs;
   result.CardType = CARD_MIFARE;
   result.CardSubType = CARD_SUB_MI_DONGSEO;
   // The raw bytes count here, not their text. Nine bytes pass this test and end in fault 9 below.
-  const auto raw = steps::RequireRawBytes(frame);
+  const auto raw = decode::RequireRawBytes(frame);
   if (raw.size() < 9) {
-    steps::MakeTooSmall(result);
+    decode::RecordTooSmall(result);
     return true;
   }
   const ByteArray bytes = IsCardArrayReversed ? ReverseBytes(raw) : ByteArray(raw);
-  if (steps::IsBlank(bytes)) return true;
-  result.CardID = characters::Take(bytes, Backwards(0, OccupiedByteCardId), Zero::IsZero);
+  if (decode::IsBlank(bytes)) return true;
+  result.CardID = characters::Take(bytes, Backwards(0, OccupiedByteCardId), BlankStoredAs::Blank);
   result.Revision = characters::Take(
       bytes, Backwards(OccupiedByteFacility + OccupiedByteCardId, OccupiedByteRevision),
-      Zero::IsBlank);
+      BlankStoredAs::Zero);
   return true;
 }
 

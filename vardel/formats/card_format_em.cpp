@@ -1,7 +1,8 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/formats/card_formats.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
 #include <vardel/formats/layout_26bit.h>
-#include <vardel/formats/steps.h>
 
 namespace vardel {
 namespace {
@@ -14,17 +15,17 @@ constexpr FormatParameters kParameters =
 CCardFormatEM::CCardFormatEM() : LimitCheckedFormat(kParameters) {}
 
 void CCardFormatEM::Encode(const CCardData& card, vardel::CardDataStruct& record) {
-  steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return;
+  encode::Fields fields;
+  if (!encode::AcceptFields(*this, card, encode::EachField::IsConverted, fields)) return;
   layout_26bit::Encode(*this, fields, record);
 }
 
 bool CCardFormatEM::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardType = CARD_EM;
   result.CardSubType = CARD_SUB_EM_STD_26BITS;
-  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
+  constexpr decode::IdleReads kIdleReads = {.always = 1, .whenReversed = 1};
   if (const auto bytes =
-          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
+          decode::ReadBytes(*this, frame, decode::kLeastProximityBytes, kIdleReads, result)) {
     layout_26bit::PutFields(*this, *bytes, result);
   }
   return true;

@@ -1,7 +1,10 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/format/format_parameters.h>
 #include <vardel/formats/card_formats.h>
-#include <vardel/formats/steps.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
+
+#include <array>
 
 namespace vardel {
 namespace {
@@ -14,9 +17,10 @@ namespace {
 // A makes the bits k of 1..33 with k mod 3 != 0, and itself, even;
 // B makes the bits k of 2..33 with k mod 3 != 1, and itself, odd;
 // C makes bits 0 to 34 odd. None is checked when decoding.
-constexpr std::uint64_t kCoveredByA = 0x1'B6DB6DB6;
-constexpr std::uint64_t kCoveredByB = 0x3'6DB6DB6C;
-constexpr std::uint64_t kCoveredByC = 0x3'FFFFFFFF;
+constexpr bits::Parity kA = {.position = 33, .covered = 0x1'B6DB6DB6, .isOdd = false};
+constexpr bits::Parity kB = {.position = 0, .covered = 0x3'6DB6DB6C, .isOdd = true};
+constexpr bits::Parity kC = {.position = 34, .covered = bits::Range(0, 33), .isOdd = true};
+constexpr std::array<bits::Parity, 3> kParity = {kA, kB, kC};
 
 // The counts announce the fields of another layout (16 and 19 bits); limits and masks follow them,
 // the bits on the card do not.
@@ -38,26 +42,24 @@ constexpr FormatParameters kParameters = {
 CCardFormatHIDCorp1000::CCardFormatHIDCorp1000() : LimitCheckedFormat(kParameters) {}
 
 void CCardFormatHIDCorp1000::Encode(const CCardData& card, vardel::CardDataStruct& record) {
-  steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Convert, fields)) return;
+  encode::Fields fields;
+  if (!encode::AcceptFields(*this, card, encode::EachField::IsConverted, fields)) return;
 
-  // A facility code above 4095 spills into bits 33 to 36; the parity bits are OR-ed to that. So is
-  // B to what a fraction leaves in bit 0, and C counts both.
-  std::uint64_t value = steps::PackFields(fields, 21, 5);
-  value |= steps::Parity(value & kCoveredByA) << 33;
-  const std::uint64_t b = 1 ^ steps::Parity(value & kCoveredByB);
-  const std::uint64_t c = 1 ^ steps::Parity(value & kCoveredByC) ^ b;
-  value |= b | c << 34;
-  steps::PutRecord(*this, value, record);
+  // A facility code above 4095 spills into bits 33 to 36; the parity bits are OR-ed to that.
+  const std::uint64_t value = encode::Sum(fields, 21, 5);
+  std::uint64_t parity = bits::ParityOf(value, kParity);
+  // So is B to what a fraction leaves in bit 0, and C counts both.
+  if ((value & parity & 1) != 0) parity ^= std::uint64_t{1} << kC.position;
+  encode::PutRecord(*this, value | parity, record);
 }
 
 bool CCardFormatHIDCorp1000::Decode(const ICardFrame& frame, CCardData& result) {
   // Type and sub-type stay 0.
-  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 1};
+  constexpr decode::IdleReads kIdleReads = {.always = 1, .whenReversed = 1};
   if (const auto bytes =
-          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
-    const std::uint64_t value = steps::LowBytes(*bytes, 5);
-    steps::PutNumbers(*this, steps::GetBits(value, 21, 12), steps::GetBits(value, 1, 20), result);
+          decode::ReadBytes(*this, frame, decode::kLeastProximityBytes, kIdleReads, result)) {
+    const std::uint64_t value = decode::ValueOf<5>(*bytes);
+    decode::PutNumbers(*this, bits::Get(value, 21, 12), bits::Get(value, 1, 20), result);
   }
   return true;
 }

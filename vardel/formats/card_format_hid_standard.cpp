@@ -1,7 +1,8 @@
 #include <vardel/core/enumerations.h>
 #include <vardel/formats/card_formats.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
 #include <vardel/formats/layout_26bit.h>
-#include <vardel/formats/steps.h>
 
 namespace vardel {
 namespace {
@@ -14,16 +15,16 @@ constexpr FormatParameters kParameters =
 CCardFormatHIDStandard::CCardFormatHIDStandard() : LimitCheckedFormat(kParameters) {}
 
 void CCardFormatHIDStandard::Encode(const CCardData& card, vardel::CardDataStruct& record) {
-  steps::Fields fields;
-  if (!steps::AcceptFields(*this, card, steps::Unused::Skip, fields)) return;
+  encode::Fields fields;
+  if (!encode::AcceptFields(*this, card, encode::EachField::IsOnlySummed, fields)) return;
   layout_26bit::Encode(*this, fields, record);
 }
 
 bool CCardFormatHIDStandard::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardType = CARD_HID;  // the sub-type stays 0
-  constexpr steps::Rereads kRereads = {.always = 0, .whenReversed = 1};
+  constexpr decode::IdleReads kIdleReads = {.always = 0, .whenReversed = 1};
   if (const auto bytes =
-          steps::ReadBytes(*this, frame, steps::kMinProximityBytes, kRereads, result)) {
+          decode::ReadBytes(*this, frame, decode::kLeastProximityBytes, kIdleReads, result)) {
     layout_26bit::PutFields(*this, *bytes, result);
   }
   return true;

@@ -14,7 +14,7 @@ constexpr TextLayout kLayout = {
     .subType = CARD_SUB_MI_LG,
     .align = characters::Align::Right,
     .filler = "0",
-    .blank = characters::Zero::IsZero,
+    .blank = characters::BlankStoredAs::Blank,
     .facility = {.first = 0, .count = 6},
     .cardID = {.first = 6, .count = 8},
     .revision = {.first = 14, .count = 2},

@@ -2,7 +2,8 @@
 #include <vardel/core/number.h>
 #include <vardel/format/format_parameters.h>
 #include <vardel/formats/card_formats.h>
-#include <vardel/formats/steps.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
 
 #include <algorithm>
 #include <span>
@@ -36,7 +37,7 @@ constexpr FormatParameters kParameters = {
 
 }  // namespace
 
-CCardFormatUID32BIts::CCardFormatUID32BIts() : FacilitylessFormat(kParameters) {}
+CCardFormatUID32BIts::CCardFormatUID32BIts() : FormatWithoutFacility(kParameters) {}
 
 bool CCardFormatUID32BIts::IsCardIDValid(std::string_view InData) const {
   const auto value = ParseNumber(InData);
@@ -46,20 +47,20 @@ bool CCardFormatUID32BIts::IsCardIDValid(std::string_view InData) const {
 bool CCardFormatUID32BIts::IsRevisionValid(std::string_view /*InData*/) const { return true; }
 
 void CCardFormatUID32BIts::Encode(const CCardData& card, vardel::CardDataStruct& record) {
-  if (!steps::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_UID_32BITS)) return;
+  if (!encode::AcceptType(*this, card, CARD_MIFARE, CARD_SUB_MI_UID_32BITS)) return;
   // No range is checked: a larger number is taken modulo 2^32.
-  const std::uint64_t uid = steps::NumberBytes(RequireNumber(card.CardID), kUidBytes);
-  std::ranges::copy(steps::BytesOf(uid), record.Bytes.begin());
-  steps::TurnAround(*this, std::span(record.Bytes).first(kUidBytes));
+  const std::uint64_t uid = encode::LowBytesOf(RequireNumber(card.CardID), kUidBytes);
+  std::ranges::copy(bits::ToBytes(uid), record.Bytes.begin());
+  encode::TurnAround(*this, std::span(record.Bytes).first(kUidBytes));
 }
 
 bool CCardFormatUID32BIts::Decode(const ICardFrame& frame, CCardData& result) {
   result.CardType = CARD_MIFARE;
   result.CardSubType = CARD_SUB_MI_UID_32BITS;
-  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 0};
+  constexpr decode::IdleReads kIdleReads = {.always = 1, .whenReversed = 0};
   if (const auto bytes =
-          steps::ReadBytes(*this, frame, steps::kMinSmartCardBytes, kRereads, result)) {
-    AssignNumber(result.CardID, steps::LowBytes(*bytes, kUidBytes), 0);
+          decode::ReadBytes(*this, frame, decode::kLeastSmartCardBytes, kIdleReads, result)) {
+    AssignNumber(result.CardID, decode::ValueOf<kUidBytes>(*bytes), 0);
   }
   return true;
 }

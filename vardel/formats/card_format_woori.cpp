@@ -15,7 +15,7 @@ constexpr TextLayout kLayout = {
     .subType = CARD_SUB_MI_WOORI_BANK,
     .align = characters::Align::Left,
     .filler = "",
-    .blank = characters::Zero::IsBlank,
+    .blank = characters::BlankStoredAs::Zero,
     .facility = {.first = 0, .count = 1},
     .cardID = {.first = 1, .count = 13},
     .revision = {.first = 14, .count = 2},

@@ -36,7 +36,7 @@ class LimitCheckedFormat : public CCardFormatInfo {
 };
 
 /// A format of cards without a facility code.
-class FacilitylessFormat : public CCardFormatInfo {
+class FormatWithoutFacility : public CCardFormatInfo {
  public:
   /// True for every text.
   bool IsFacilityValid(std::string_view InData) const override;
@@ -93,7 +93,7 @@ class CCardFormatHIDStandard final : public LimitCheckedFormat {
 /// HID full binary 26-bit: the whole value is the card number (1..67108863). It only decodes: every
 /// accepted number ends MakeCardData in fault 9, any other records "Incorrect Card ID". A read
 /// needs 6 bytes, all of which count. Decoded cards carry type 0 and sub-type 0.
-class CCardFormatBinary26 final : public FacilitylessFormat {
+class CCardFormatBinary26 final : public FormatWithoutFacility {
  public:
   CCardFormatBinary26();
   /// True for every text: the encode itself tests the number.
@@ -146,7 +146,7 @@ class CCardFormat34Bits final : public LimitCheckedFormat, public RevisionValida
 /// encode checks the card's type pair ("Incorrect Card Type") and no range: the number is taken
 /// modulo 2^32, a negative one is fault 6, text that is not numeric is fault 13. A read needs 16
 /// bytes, of which the first 4 count, least significant first.
-class CCardFormatUID32BIts final : public FacilitylessFormat, public RevisionValidator {
+class CCardFormatUID32BIts final : public FormatWithoutFacility, public RevisionValidator {
  public:
   CCardFormatUID32BIts();
   /// The text is numeric and MinCardID <= value < MaxCardID: the upper limit is not included.
@@ -166,9 +166,12 @@ class CCardFormatUID32BIts final : public FacilitylessFormat, public RevisionVal
 /// character without a code fault 6. It decodes the raw bytes, not their text: "Too Small Card
 /// Data" for 8 or fewer, fault 9 for 9 that are not blank. There is no facility code, though a mask
 /// stands there; the revision has none.
-class CCardFormatDongSeo final : public FacilitylessFormat, public RevisionValidator {
+class CCardFormatDongSeo final : public FormatWithoutFacility, public RevisionValidator {
  public:
   CCardFormatDongSeo();
+  using CCardFormatInfo::MakeCardData;
+  /// Clears the error pair even when there is no card.
+  vardel::CardDataStruct MakeCardData(const CCardData* CardData) override;
   /// Trimmed, the text has 1 to CharCountCardID characters and is not a zero. Letters are valid.
   bool IsCardIDValid(std::string_view InData) const override;
   /// The text is numeric and MinRevision <= value <= MaxRevision.
@@ -200,6 +203,8 @@ struct CardFormatClass {
   std::int32_t CardSubType;
   /// The facade hands it out; the other formats are created by hosts themselves.
   bool IsInFacade;
+  /// The facade converts cards of this pair, as IsValidTypePair says.
+  bool IsConverted;
   std::shared_ptr<CCardFormatInfo> (*Create)();
 };
 

@@ -11,7 +11,7 @@
 namespace vardel::characters {
 
 /// How a text shorter than its field is filled up.
-enum class Align : std::int16_t { Left = 0, Right = 1 };
+enum class Align { Left, Right };
 
 /// To how many characters a text is filled up with which one. A text as long as that or longer
 /// passes unchanged.
@@ -29,15 +29,16 @@ struct Place {
   int step = 1;
 };
 
-/// What the blank, as a character, and the zero, as a byte, stand for.
-enum class Zero { IsZero, IsBlank };
+/// What is on the card for a blank: its own code, or a zero byte, which then reads as a blank.
+/// Where blanks keep their code, a zero byte reads as the character with code 0.
+enum class BlankStoredAs { Blank, Zero };
 
 /// Puts the first characters of a text, filled up, into a field. Fault 5 where the text ends before
 /// the field, fault 6 for a character without a code, fault 9 where the field leaves the record.
 void Put(CardDataStruct& record, const Place& place, std::string_view text, const Filling& filling,
-         Zero zero);
+         BlankStoredAs blank);
 
 /// The text of a field. Fault 9 where the field leaves the bytes.
-std::string Take(std::span<const std::uint8_t> bytes, const Place& place, Zero zero);
+std::string Take(std::span<const std::uint8_t> bytes, const Place& place, BlankStoredAs blank);
 
 }  // namespace vardel::characters

@@ -2,7 +2,8 @@
 #include <vardel/core/number.h>
 #include <vardel/core/text.h>
 #include <vardel/formats/card_formats.h>
-#include <vardel/formats/steps.h>
+#include <vardel/formats/decode.h>
+#include <vardel/formats/encode.h>
 #include <vardel/formats/text_layout.h>
 
 #include <string>
@@ -31,7 +32,7 @@ bool TextFormat::IsRevisionValid(std::string_view InData) const {
 
 void TextFormat::Encode(const CCardData& card, vardel::CardDataStruct& record) {
   using characters::Align;
-  if (!steps::AcceptType(*this, card, CARD_MIFARE, layout_.subType)) return;
+  if (!encode::AcceptType(*this, card, CARD_MIFARE, layout_.subType)) return;
 
   int next = 0;
   const auto put = [&](std::string_view text, std::int16_t width, std::int16_t count,
@@ -46,18 +47,18 @@ void TextFormat::Encode(const CCardData& card, vardel::CardDataStruct& record) {
       layout_.align);
   put(LastChars(card.Revision, 2), CharCountRevision, OccupiedByteRevision,
       isFixed ? layout_.filler : " ", layout_.align);
-  steps::TurnAround(*this, record.Bytes);
+  encode::TurnAround(*this, record.Bytes);
 }
 
 bool TextFormat::Decode(const ICardFrame& frame, CCardData& result) {
-  using characters::Zero;
+  using characters::BlankStoredAs;
   // Type and sub-type stay 0.
-  constexpr steps::Rereads kRereads = {.always = 1, .whenReversed = 0};
+  constexpr decode::IdleReads kIdleReads = {.always = 1, .whenReversed = 0};
   if (const auto bytes =
-          steps::ReadBytes(*this, frame, steps::kMinSmartCardBytes, kRereads, result)) {
-    result.Facility = characters::Take(*bytes, layout_.facility, Zero::IsBlank);
-    result.CardID = characters::Take(*bytes, layout_.cardID, Zero::IsBlank);
-    result.Revision = characters::Take(*bytes, layout_.revision, Zero::IsBlank);
+          decode::ReadBytes(*this, frame, decode::kLeastSmartCardBytes, kIdleReads, result)) {
+    result.Facility = characters::Take(*bytes, layout_.facility, BlankStoredAs::Zero);
+    result.CardID = characters::Take(*bytes, layout_.cardID, BlankStoredAs::Zero);
+    result.Revision = characters::Take(*bytes, layout_.revision, BlankStoredAs::Zero);
   }
   return true;
 }

@@ -15,8 +15,8 @@ struct TextLayout {
   /// The character for that; without one, the descriptor's DefaultChar for the card number and a
   /// blank for the revision.
   std::string_view filler;
-  /// Whether a blank is encoded as byte 0. Byte 0 is decoded as a blank in any case.
-  characters::Zero blank;
+  /// How the encoder stores a blank. A zero byte is decoded as a blank in any case.
+  characters::BlankStoredAs blank;
 
   // Where the decoder finds the fields. The encoder goes by the descriptor's occupied bytes.
   characters::Place facility;
