@@ -79,7 +79,7 @@ class VariantFrame : public vardel::ICardFrame {
     GetMember(name, raw);
     HRESULT status = VariantCopyInd(&value, &raw);
     if (SUCCEEDED(status) && type != VT_EMPTY) {
-      status = VariantChangeTypeEx(&value, &value, kOneLocale, 0, type);
+      status = ChangeType(value, value, type);
     }
     if (status == DISP_E_OVERFLOW) throw HostFault(Fault::Overflow);
     if (FAILED(status)) throw HostFault(Fault::TypeMismatch);
