@@ -163,5 +163,17 @@ TEST_F(Callers, KeepRecordsBeyondTheirObjectsAndTheModuleWithThem) {
   EXPECT_TRUE(copy.pRecInfo->IsMatchingType(record.pRecInfo));
 }
 
+TEST_F(Callers, LeaveNoTypeLibraryInAModuleThatMayGo) {
+  ComPtr<ITypeInfo> info;
+  ComPtr<ITypeLib> library;
+  UINT index = 0;
+  ASSERT_EQ(Facade()->GetTypeInfo(0, 0, info.out()), S_OK);
+  ASSERT_EQ(info->GetContainingTypeLib(library.out(), &index), S_OK);
+  info = {};
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+  EXPECT_EQ(library.Detach()->Release(), 0U);
+  ASSERT_EQ(Facade()->GetTypeInfo(0, 0, info.out()), S_OK) << "loaded again";
+}
+
 }  // namespace
 }  // namespace vardel::server
