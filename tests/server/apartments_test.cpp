@@ -90,6 +90,32 @@ void Fill(::_CCardData* card) {
   SysFreeString(number);
 }
 
+/// Uses a card as an argument of objects that are not its own apartment's, or its own DLL's, and
+/// the others where they would have to be shared.
+void ExpectLent(const ServerModule& module, const ComPtr<::_CCardData>& card,
+                const ComPtr<::_CError>& error, const ComPtr<::_CCardType>& entry) {
+  Fill(card.get());
+  Variant argument, result;
+  argument.vt = VT_DISPATCH;
+  argument.pdispVal = card.As<IDispatch>().Detach();
+  const auto facade = module.Create<::_CCard>(CLSID_CCard);
+  ASSERT_EQ(Call(facade.get(), L"MakeCardData", DISPATCH_METHOD, {&argument}, &result).status,
+            S_OK);
+  const auto raw = ComPtr<IDispatch>::Share(result.pdispVal).As<::_CCardByteData>();
+  unsigned char byte = 0;
+  EXPECT_EQ(raw->get_CardArrDataByIndex(3, &byte), S_OK);
+  EXPECT_EQ(byte, 0x02);
+
+  VARIANT_BOOL isAdded = VARIANT_FALSE;
+  const auto expectFault = [](HRESULT status) {
+    const Outcome outcome = EarlyOutcome(status);
+    EXPECT_EQ(outcome.fault, 13);
+    EXPECT_NE(outcome.description.find(L"cannot be shared"), std::wstring::npos);
+  };
+  expectFault(raw->putref_Error(error.get()));
+  expectFault(module.Create<::_CCardTypes>(CLSID_CCardTypes)->Add(entry.get(), 515, &isAdded));
+}
+
 class Apartments : public testing::Test {
  protected:
   Apartments() {
@@ -128,6 +154,32 @@ TEST_F(Apartments, AreCrossedByEveryInterfaceOfEveryClass) {
   EXPECT_EQ(module_.CanUnloadNow(), S_OK) << "an object is left";
 }
 
+TEST_F(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
+  {
+    const Activation manifest;
+    const auto send = [&](REFCLSID id, REFIID iid) {
+      return Send(module_.Create<IDispatch>(id).get(), iid);
+    };
+    IStream* const card = send(CLSID_CCardData, __uuidof(::_CCardData));
+    IStream* const error = send(CLSID_CError, __uuidof(::_CError));
+    IStream* const entry = send(CLSID_CCardType, __uuidof(::_CCardType));
+    InApartment(COINIT_APARTMENTTHREADED, [&] {
+      ExpectLent(module_, Receive<::_CCardData>(card), Receive<::_CError>(error),
+                 Receive<::_CCardType>(entry));
+    });
+  }
+  ASSERT_NE(CopyFileW(L"vardel.dll", L"vardel_copy.dll", FALSE), FALSE);
+  {
+    const ServerModule copy(L"vardel_copy.dll");
+    ExpectLent(module_, copy.Create<::_CCardData>(CLSID_CCardData),
+               copy.Create<::_CError>(CLSID_CError), copy.Create<::_CCardType>(CLSID_CCardType));
+    EXPECT_EQ(copy.CanUnloadNow(), S_OK) << "an object is left";
+  }
+  DeleteFileW(L"vardel_copy.dll");
+  SetErrorInfo(0, nullptr);
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK) << "an object is left";
+}
+
 // What is left cannot be asked here: Wine keeps the class objects that it makes for such hosts.
 TEST_F(Apartments, AreNoMatterToHostsThatHaveNone) {
   InApartment(COINIT_MULTITHREADED, [] {
@@ -145,6 +197,13 @@ TEST_F(Apartments, AreNoMatterToHostsThatHaveNone) {
     const auto format = Receive<::_CCardFormatInfo>(stream);
     ::CardDataStruct record{};
     EXPECT_EQ(Encode(format.get(), card, &record), S_OK);
+    EXPECT_EQ(record.Bytes[0], 0x73);
+    Variant bytes;
+    bytes.vt = VT_ARRAY | VT_UI1;
+    bytes.parray = SafeArrayCreateVector(VT_UI1, 0, 32);
+    memcpy(bytes.parray->pvData, record.Bytes, 32);
+    EXPECT_EQ(Call(frame.get(), L"CardDataStruct", DISPATCH_PROPERTYPUT, {&bytes}, nullptr).status,
+              S_OK);
     EXPECT_EQ(frame->put_CardDataStruct(&record), S_OK);
     IDispatch* argument = frame.As<IDispatch>().Detach();
     ComPtr<::_CCardData> read;
