@@ -33,7 +33,8 @@ char32_t LeadingSurrogate(std::string_view text) {
 
 HRESULT ChangeType(VARIANT& to, const VARIANT& from, VARTYPE type) {
   constexpr LCID kUsEnglish = 0x0409;
-  return VariantChangeTypeEx(&to, const_cast<VARIANT*>(&from), kUsEnglish, 0, type);
+  return VariantChangeTypeEx(&to, const_cast<VARIANT*>(&from), kUsEnglish, VARIANT_NOUSEROVERRIDE,
+                             type);
 }
 
 const VARIANT* ValueOf(const VARIANT& variant) {

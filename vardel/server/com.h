@@ -78,7 +78,8 @@ struct Variant : VARIANT {
   ~Variant() { VariantClear(this); }
 };
 
-/// Converts a value. Numbers and texts convert alike wherever a host runs: as in US English.
+/// Converts a value. Numbers and texts convert alike wherever a host runs: as in US English,
+/// whatever the user has changed in it.
 HRESULT ChangeType(VARIANT& to, const VARIANT& from, VARTYPE type);
 
 /// The value of a variant by reference, or of any other the variant itself. Null where the

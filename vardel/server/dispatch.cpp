@@ -87,6 +87,10 @@ HRESULT Order(const DISPPARAMS& params, const Member& member, std::vector<const 
   const std::size_t count = member.parameters.size();
   ordered.assign(count, nullptr);
   if (params.cArgs > count || params.cNamedArgs > params.cArgs) return DISP_E_BADPARAMCOUNT;
+  if ((params.rgvarg == nullptr && params.cArgs > 0) ||
+      (params.rgdispidNamedArgs == nullptr && params.cNamedArgs > 0)) {
+    return E_INVALIDARG;
+  }
   const UINT positional = params.cArgs - params.cNamedArgs;
   for (UINT i = 0; i < positional; ++i) ordered[i] = &params.rgvarg[params.cArgs - 1 - i];
   for (UINT i = 0; i < params.cNamedArgs; ++i) {
@@ -118,14 +122,12 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
   for (std::size_t i = 0; i < given.size(); ++i) {
     const VARIANT* const source = given[i] == nullptr ? &omitted : given[i];
     const HRESULT status = Convert(*source, member.parameters[i], arguments[i]);
+    if (FAILED(status) && argumentError != nullptr && given[i] != nullptr) {
+      *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
+    }
     if (status == DISP_E_TYPEMISMATCH) throw HostFault(Fault::TypeMismatch);
     if (status == DISP_E_OVERFLOW) throw HostFault(Fault::Overflow);
-    if (FAILED(status)) {
-      if (argumentError != nullptr && given[i] != nullptr) {
-        *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
-      }
-      return status;
-    }
+    if (FAILED(status)) return status;
   }
 
   std::vector<VARTYPE> types;
@@ -190,6 +192,7 @@ HRESULT GetIDsOfNames(std::span<const DispatchTarget> targets, REFIID riid, LPOL
                       UINT count, DISPID* ids) {
   if (riid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (names == nullptr || ids == nullptr || count == 0) return E_POINTER;
+  if (std::find(names, names + count, nullptr) != names + count) return E_INVALIDARG;
   std::fill_n(ids, count, DISPID_UNKNOWN);
   for (const DispatchTarget& target : targets) {
     const Member* const member = target.table.Find(names[0]);
