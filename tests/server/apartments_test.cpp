@@ -183,7 +183,9 @@ TEST_F(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
 // What is left cannot be asked here: Wine keeps the class objects that it makes for such hosts.
 TEST_F(Apartments, AreNoMatterToHostsThatHaveNone) {
   InApartment(COINIT_MULTITHREADED, [] {
-    const auto facade = New<::_CCard>(CLSID_CCard);
+    CLSID id{};
+    EXPECT_EQ(CLSIDFromProgID(L"Vardel.CCard.1", &id), S_OK);
+    const auto facade = New<::_CCard>(id);
     const auto card = New<::_CCardData>(CLSID_CCardData);
     const auto frame = New<::_CCardFrame>(CLSID_CCardFrame);
     ASSERT_TRUE(facade && card && frame);

@@ -14,7 +14,8 @@ foreach(row IN LISTS rows)
     set(library ${id})
   elseif(kind STREQUAL CLSID)
     string(APPEND classes "    <comClass clsid=\"${id}\" progid=\"Vardel.${name}\""
-      " threadingModel=\"Apartment\" tlbid=\"${library}\"/>\n")
+      " threadingModel=\"Apartment\" tlbid=\"${library}\">"
+      "<progid>Vardel.${name}.1</progid></comClass>\n")
   else()
     string(APPEND interfaces "  <comInterfaceExternalProxyStub iid=\"${id}\" name=\"${name}\""
       " tlbid=\"${library}\" proxyStubClsid32=\"{00020424-0000-0000-C000-000000000046}\"/>\n")
