@@ -4,22 +4,11 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
+#include <optional>
 #include <vector>
 
 namespace vardel::server {
 namespace {
-
-/// The value behind variants by reference; null where a reference leads nowhere.
-const VARIANT* Unwrap(const VARIANT* argument) {
-  while (argument != nullptr && argument->vt == (VT_BYREF | VT_VARIANT)) {
-    argument = argument->pvarVal;
-  }
-  if (argument == nullptr) return nullptr;
-  const bool leadsNowhere = (argument->vt & VT_BYREF) != 0 &&
-                            argument->vt != (VT_BYREF | VT_RECORD) && argument->byref == nullptr;
-  return leadsNowhere ? nullptr : argument;
-}
 
 bool IsOmitted(const VARIANT& argument) {
   return argument.vt == VT_ERROR && argument.scode == DISP_E_PARAMNOTFOUND;
@@ -28,7 +17,7 @@ bool IsOmitted(const VARIANT& argument) {
 /// An argument as the vtable takes it, and what it needs until the call is over.
 struct Argument {
   Variant value;  // by value, or what `passed` points to
-  std::vector<std::byte> record;
+  vardel::CardDataStruct record;
   VARIANT passed{};
 };
 
@@ -56,23 +45,8 @@ HRESULT ConvertObject(const VARIANT& source, const Parameter& parameter, Variant
   return SUCCEEDED(status) ? S_OK : DISP_E_TYPEMISMATCH;
 }
 
-HRESULT ConvertRecord(const VARIANT& source, const Parameter& parameter, Argument& argument) {
-  GUID guid{};
-  ULONG size = 0;
-  if ((source.vt & ~VT_BYREF) != VT_RECORD || source.pRecInfo == nullptr ||
-      source.pvRecord == nullptr || FAILED(source.pRecInfo->GetGuid(&guid)) ||
-      guid != parameter.guid || FAILED(source.pRecInfo->GetSize(&size))) {
-    return DISP_E_TYPEMISMATCH;
-  }
-  argument.record.resize(size);
-  std::memcpy(argument.record.data(), source.pvRecord, size);
-  argument.passed.vt = VT_BYREF | VT_UI1;
-  argument.passed.byref = argument.record.data();
-  return S_OK;
-}
-
 HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argument) {
-  const VARIANT* const unwrapped = Unwrap(&given);
+  const VARIANT* const unwrapped = ValueOf(given);
   if (unwrapped == nullptr) return DISP_E_TYPEMISMATCH;
   const VARIANT& source = *unwrapped;
   if (IsOmitted(source)) {
@@ -81,12 +55,15 @@ HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argu
     argument.passed.byref = nullptr;
     return S_OK;
   }
-  if (parameter.type == VT_RECORD) return ConvertRecord(source, parameter, argument);
+  if (parameter.type == VT_RECORD) {
+    argument.passed.vt = VT_BYREF | VT_UI1;
+    argument.passed.byref = argument.record.Bytes.data();
+    return ConvertToRecord(source, argument.record);
+  }
 
   const HRESULT status = parameter.type == VT_DISPATCH
                              ? ConvertObject(source, parameter, argument.value)
-                             : VariantChangeTypeEx(&argument.value, const_cast<VARIANT*>(&source),
-                                                   kOneLocale, 0, parameter.type);
+                             : ChangeType(argument.value, source, parameter.type);
   if (FAILED(status)) return status;
   if (parameter.isByRef) {
     argument.passed.vt = static_cast<VARTYPE>(VT_BYREF | parameter.type);
@@ -110,6 +87,10 @@ HRESULT Order(const DISPPARAMS& params, const Member& member, std::vector<const 
   const std::size_t count = member.parameters.size();
   ordered.assign(count, nullptr);
   if (params.cArgs > count || params.cNamedArgs > params.cArgs) return DISP_E_BADPARAMCOUNT;
+  if ((params.rgvarg == nullptr && params.cArgs > 0) ||
+      (params.rgdispidNamedArgs == nullptr && params.cNamedArgs > 0)) {
+    return E_INVALIDARG;
+  }
   const UINT positional = params.cArgs - params.cNamedArgs;
   for (UINT i = 0; i < positional; ++i) ordered[i] = &params.rgvarg[params.cArgs - 1 - i];
   for (UINT i = 0; i < params.cNamedArgs; ++i) {
@@ -141,14 +122,12 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
   for (std::size_t i = 0; i < given.size(); ++i) {
     const VARIANT* const source = given[i] == nullptr ? &omitted : given[i];
     const HRESULT status = Convert(*source, member.parameters[i], arguments[i]);
+    if (FAILED(status) && argumentError != nullptr && given[i] != nullptr) {
+      *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
+    }
     if (status == DISP_E_TYPEMISMATCH) throw HostFault(Fault::TypeMismatch);
     if (status == DISP_E_OVERFLOW) throw HostFault(Fault::Overflow);
-    if (FAILED(status)) {
-      if (argumentError != nullptr && given[i] != nullptr) {
-        *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
-      }
-      return status;
-    }
+    if (FAILED(status)) return status;
   }
 
   std::vector<VARTYPE> types;
@@ -159,14 +138,10 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
   }
   Variant answer;
   VARIANT answerPointer{};
+  std::optional<NewRecord> record;
   if (member.result.type == VT_RECORD) {
-    ComPtr<IRecordInfo> info = CardRecordInfo();
-    answer.pvRecord = info->RecordCreate();
-    if (answer.pvRecord == nullptr) return E_OUTOFMEMORY;
-    answer.pRecInfo = info.Detach();
-    answer.vt = VT_RECORD;
     answerPointer.vt = VT_BYREF | VT_UI1;
-    answerPointer.byref = answer.pvRecord;
+    answerPointer.byref = record.emplace().bytes();
   } else if (member.result.type != VT_EMPTY) {
     const bool isVariant = member.result.type == VT_VARIANT;
     answerPointer.vt = static_cast<VARTYPE>(VT_BYREF | member.result.type);
@@ -185,6 +160,10 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
                    static_cast<UINT>(passed.size()), types.data(), passed.data(), &returned);
   if (FAILED(called)) return called;
   if (FAILED(returned.lVal)) return RaiseException(returned.lVal, exception);
+  if (record) {
+    if (result != nullptr) record->HandTo(*result);
+    return S_OK;
+  }
   if (answer.vt == VT_EMPTY && member.result.type != VT_VARIANT) answer.vt = member.result.type;
   if (result != nullptr) {
     *result = answer;
@@ -213,6 +192,7 @@ HRESULT GetIDsOfNames(std::span<const DispatchTarget> targets, REFIID riid, LPOL
                       UINT count, DISPID* ids) {
   if (riid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (names == nullptr || ids == nullptr || count == 0) return E_POINTER;
+  if (std::find(names, names + count, nullptr) != names + count) return E_INVALIDARG;
   std::fill_n(ids, count, DISPID_UNKNOWN);
   for (const DispatchTarget& target : targets) {
     const Member* const member = target.table.Find(names[0]);

@@ -7,6 +7,7 @@
 #include <vardel/facade/card_type.h>
 #include <vardel/format/card_format_info.h>
 #include <vardel/server/dispatch.h>
+#include <vardel/server/foreign_objects.h>
 #include <vardel/server/status.h>
 
 #include <vardel_idl.h>
@@ -47,14 +48,19 @@ class ObjectMap {
   static ComPtr<IUnknown> Find(const void* core);
 };
 
-/// The core object of a host's argument: null stays null, an object of any other kind is fault 13.
-template <class Core>
-std::shared_ptr<Core> FromHost(IUnknown* object) {
+/// The core object of a host's argument: null stays null, an object without the interface is fault
+/// 13.
+template <class Core, class Interface>
+std::shared_ptr<Core> FromHost(Interface* object) {
   if (object == nullptr) return nullptr;
-  const auto native = ComPtr<IUnknown>::Share(object).As<INativeObject>();
+  const auto shared = ComPtr<IUnknown>::Share(object);
+  const auto native = shared.template As<INativeObject>();
   const void* const core = native ? native->CoreOf(&coreTag<Core>) : nullptr;
-  if (core == nullptr) throw HostFault(Fault::TypeMismatch);
-  return *static_cast<const std::shared_ptr<Core>*>(core);
+  if (core != nullptr) return *static_cast<const std::shared_ptr<Core>*>(core);
+  // Careless hosts cast what has another interface.
+  const auto foreign = shared.template As<Interface>();
+  if (!foreign) throw HostFault(Fault::TypeMismatch);
+  return FromElsewhere(*foreign.get());
 }
 /// The same for an argument by reference, whose reference may be null as well.
 template <class Core, class Interface>

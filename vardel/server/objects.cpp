@@ -245,6 +245,20 @@ class CardFrameObject final : public Object<vardel::CCardFrame, ::_CCardFrame, :
   STDMETHODIMP put_CardDataStruct(::CardDataStruct* value) override {
     return Call([&] { core().CardDataStruct(Record(RequireObject(value))); });
   }
+  STDMETHODIMP MakeCardData(::_CCardFormatInfo* format, ::_CCardData* card) override {
+    return Call([&] {
+      const auto encoder = ComPtr<IUnknown>::Share(&RequireObject(format)).As<::_CCardFormatInfo>();
+      if (!encoder) throw HostFault(Fault::TypeMismatch);
+      // A call by reference may put another object in the place of its argument.
+      ::_CCardData* argument = ComPtr<::_CCardData>::Share(card).Detach();
+      ::CardDataStruct record{};
+      SetErrorInfo(0, nullptr);
+      const HRESULT status = encoder->MakeCardData(&argument, &record);
+      ComPtr<::_CCardData>::Adopt(argument);
+      if (FAILED(status)) ThrowFailure(status, L"The format object failed");
+      core().CardDataStruct(Record(record));
+    });
+  }
 };
 
 class CardObject final : public WithErrorFields<Object<vardel::CCard, ::_CCard>> {

@@ -12,7 +12,7 @@ namespace vardel::server {
 /// The embedded type library, loaded with the first call and kept. Throws std::runtime_error where
 /// it cannot be loaded.
 ComPtr<ITypeLib> LoadTypeLibrary();
-/// Lets go of it before the DLL is unloaded.
+/// Lets go of it; the next call loads it again.
 void DropTypeLibrary();
 /// A type of the library.
 ComPtr<ITypeInfo> LoadTypeInfo(REFGUID guid);
