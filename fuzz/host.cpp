@@ -70,13 +70,15 @@ struct Input {
 class Frame final : public ICardFrame {
  public:
   struct Failure {};
-  enum Flag { kIsEM = 1, kShrinks = 2, kFails = 4, kNoBytes = 8, kOwnText = 16 };
+  enum Flag { kIsEM = 1, kShrinks = 2, kFails = 4, kNoBytes = 8, kOwnText = 16, kCuts = 32 };
 
-  Frame(Input& in, const CardFormatClass* format) : pair_(in.Pair(format)), flags_(in.Byte() % 32) {
+  Frame(Input& in, const CardFormatClass* format) : pair_(in.Pair(format)), flags_(in.Byte() % 64) {
     if (flags_ & kFails) failAt_ = in.Byte() % 8;
     const std::string bytes = flags_ & kNoBytes ? "" : in.Bytes(in.Byte());
     bytes_ = {bytes.begin(), bytes.end()};
     text_ = flags_ & (kNoBytes | kOwnText) ? in.Text() : HexText(bytes_);
+    if (flags_ & kCuts)
+      text_.resize(text_.size() - std::min<std::size_t>(text_.size(), in.Byte() % 4));
   }
   /// As it was before the first read.
   void Restart() const { reads_ = 0; }
