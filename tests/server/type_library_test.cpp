@@ -33,7 +33,7 @@ std::string TypeText(const Info& info, const TYPEDESC& type) {
   return names.contains(type.vt) ? names.at(type.vt) : "type " + std::to_string(type.vt);
 }
 
-/// Name, parameters and type.
+/// Parameters and type.
 std::string Signature(const Info& info, const FUNCDESC& operation) {
   std::vector<BSTR> names(static_cast<UINT>(operation.cParams) + 1);
   UINT count = static_cast<UINT>(names.size());
@@ -45,7 +45,7 @@ std::string Signature(const Info& info, const FUNCDESC& operation) {
     std::string type = (flags & PARAMFLAG_FOPT) != 0 ? "optional " : "";
     if ((flags & PARAMFLAG_FOUT) != 0) type += (flags & PARAMFLAG_FIN) != 0 ? "inout " : "out ";
     type += TypeText(info, parameter.tdesc);
-    if ((flags & PARAMFLAG_FRETVAL) != 0) {
+    if (IsResult(parameter)) {
       result = ' ' + type.substr(4, type.size() - 5);  // what the out pointer leads to
     } else if (operation.invkind >= INVOKE_PROPERTYPUT && i + 2 == names.size()) {
       result = ' ' + type;
@@ -53,31 +53,33 @@ std::string Signature(const Info& info, const FUNCDESC& operation) {
       parameters += (i == 0 ? "(" : ", ") + type + ' ' + Utf8(names[i + 1]);
     }
   }
-  const std::string name = Utf8(names[0]);
   for (BSTR each : names) SysFreeString(each);
-  return name + parameters + (parameters.empty() ? "" : ")") + result;
+  return parameters + (parameters.empty() ? "" : ")") + result;
 }
 
-std::string OperationLines(const DualInterface& dual) {
+/// Adds what an interface, a class or a type with members has.
+void AddOperations(const DualInterface& dual, std::string& text) {
   static const std::map<int, std::string> kinds = {{INVOKE_FUNC, " method "},
                                                    {INVOKE_PROPERTYGET, " get "},
                                                    {INVOKE_PROPERTYPUT, " put "},
                                                    {INVOKE_PROPERTYPUTREF, " putref "}};
-  std::string lines;
   auto offset = 7 * sizeof(void*);  // after the operations of IDispatch
   ForEachOperation(dual, [&](const FUNCDESC& each, const std::string& name) {
     EXPECT_EQ(each.oVft, std::exchange(offset, offset + sizeof(void*))) << name;
     EXPECT_TRUE(each.callconv == CC_STDCALL && each.elemdescFunc.tdesc.vt == VT_HRESULT) << name;
-    lines +=
-        '\n' + std::to_string(each.memid) + kinds.at(each.invkind) + Signature(dual.info, each);
+    text += '\n' + std::to_string(each.memid) + kinds.at(each.invkind) + name;
+    text += Signature(dual.info, each);
   });
-  return lines;
 }
-
-/// Kind and name of a type, and the rest.
-std::pair<std::string, std::string> Block(const Info& info, const TYPEATTR& type) {
-  const std::string name = Name(info);
-  std::string text = IdText(type.guid);
+void AddInterfaces(const Info& info, const TYPEATTR& type, std::string& text) {
+  EXPECT_TRUE(type.wTypeFlags & TYPEFLAG_FCANCREATE) << text;
+  for (int i = 0, flags = 0; i < type.cImplTypes; ++i) {
+    Require(info->GetImplTypeFlags(static_cast<UINT>(i), &flags));
+    EXPECT_EQ(flags, i == 0 ? IMPLTYPEFLAG_FDEFAULT : 0) << text;
+    text += ' ' + Name(Implemented(info, i));
+  }
+}
+void AddMembers(const Info& info, const TYPEATTR& type, std::string& text) {
   if (type.typekind == TKIND_RECORD) text += ' ' + std::to_string(type.cbSizeInstance) + " bytes";
   for (UINT i = 0; i < type.cVars; ++i) {
     VARDESC* each = nullptr;
@@ -86,20 +88,6 @@ std::pair<std::string, std::string> Block(const Info& info, const TYPEATTR& type
     if (each->varkind == VAR_CONST) text += ' ' + std::to_string(each->lpvarValue->lVal);
     info->ReleaseVarDesc(each);
   }
-  if (type.typekind == TKIND_ENUM) return {"enum " + name, text};
-  if (type.typekind == TKIND_RECORD) return {"record " + name, text};
-  if (type.typekind == TKIND_COCLASS && (type.wTypeFlags & TYPEFLAG_FCANCREATE) != 0) {
-    for (int i = 0, flags = 0; i < type.cImplTypes; ++i) {
-      Require(info->GetImplTypeFlags(static_cast<UINT>(i), &flags));
-      EXPECT_EQ(flags, i == 0 ? IMPLTYPEFLAG_FDEFAULT : 0) << name;
-      text += ' ' + Name(Implemented(info, i));
-    }
-    return {"class " + name, text};
-  }
-  if (type.typekind == TKIND_DISPATCH && (type.wTypeFlags & TYPEFLAG_FDUAL) != 0) {
-    return {"interface " + name, text + OperationLines({name, type.guid, Implemented(info, -1)})};
-  }
-  return {"a type of unexpected kind: " + name, ""};
 }
 
 /// A list's lines with `offset` added to the numbers and the prefix before the names.
@@ -143,6 +131,10 @@ Blocks ExpectedBlocks() {
 }
 
 TEST(TypeLibrary, HoldsThePublicBoundaryAndNothingElse) {
+  static const std::map<int, std::string> kinds = {{TKIND_ENUM, "enum "},
+                                                   {TKIND_RECORD, "record "},
+                                                   {TKIND_DISPATCH, "interface "},
+                                                   {TKIND_COCLASS, "class "}};
   const auto library = TypeLibrary();
   TLIBATTR* attributes = nullptr;
   Require(library->GetLibAttr(&attributes));
@@ -150,7 +142,17 @@ TEST(TypeLibrary, HoldsThePublicBoundaryAndNothingElse) {
                                                    std::to_string(attributes->wMajorVerNum) + '.' +
                                                    std::to_string(attributes->wMinorVerNum)}};
   library->ReleaseTLibAttr(attributes);
-  for (const auto& [info, type] : LibraryTypes()) built.insert(Block(info, type));
+  for (const auto& [info, type] : LibraryTypes()) {
+    const std::string name = Name(info);
+    std::string& text = built[kinds.at(type.typekind) + name] = IdText(type.guid);
+    if (type.typekind == TKIND_COCLASS) AddInterfaces(info, type, text);
+    if (type.typekind != TKIND_DISPATCH) {
+      AddMembers(info, type, text);
+    } else {
+      EXPECT_TRUE(type.wTypeFlags & TYPEFLAG_FDUAL) << name;
+      AddOperations({name, type.guid, Implemented(info, -1)}, text);
+    }
+  }
 
   const Blocks expected = ExpectedBlocks();
   for (const auto& each : built) EXPECT_TRUE(expected.contains(each.first)) << each.first;
