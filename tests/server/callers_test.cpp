@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ocidl.h>
+
 #include <functional>
 
 // What callers do wrong, and what their own objects do: a status, never a crash.
@@ -299,6 +301,39 @@ TEST_F(Callers, MayHaveADecimalCommaAndFramesThatRaiseNoFailure) {
   const HRESULT status = Facade()->AnalyzeCardData(&frame, read.out());
   EXPECT_EQ(status, E_FAIL);
   EXPECT_NE(EarlyOutcome(status).description, L"");
+}
+
+TEST_F(Callers, SeeEachInterfaceAndItsClassDescribed) {
+  const auto name = [](const ComPtr<ITypeInfo>& info) {
+    Variant text;
+    text.vt = VT_BSTR;
+    EXPECT_EQ(info->GetDocumentation(MEMBERID_NIL, &text.bstrVal, nullptr, nullptr, nullptr), S_OK);
+    return Utf8(text.bstrVal);
+  };
+  const auto described = [&](IDispatch* object) {
+    ComPtr<ITypeInfo> info, ofClass;
+    const auto provider = ComPtr<IDispatch>::Share(object).As<IProvideClassInfo>();
+    EXPECT_EQ(object->GetTypeInfo(0, 0, info.out()), S_OK);
+    if (!provider) return name(info);
+    EXPECT_EQ(provider->GetClassInfo(nullptr), E_POINTER);
+    EXPECT_EQ(provider->GetClassInfo(ofClass.out()), S_OK);
+    return name(info) + " " + name(ofClass);
+  };
+  const auto format = module_.Create<::_CCardFormatInfo>(CLSID_CCardFormatLG);
+  EXPECT_EQ(described(format.get()), "_CCardFormatInfo CCardFormatLG");
+  const auto own = format.As<IDispatch>();
+  EXPECT_EQ(described(own.get()), "_CCardFormatLG CCardFormatLG");
+  EXPECT_EQ(described(module_.Create<::ICardFrame>(CLSID_CCardFrame).get()),
+            "ICardFrame CCardFrame");
+
+  // A platform's dispatcher needs the default of an omitted argument.
+  const auto raw = module_.Create<::_CCardByteData>(CLSID_CCardByteData);
+  ComPtr<ITypeInfo> info;
+  DISPPARAMS none{};
+  Variant empty;
+  ASSERT_EQ(raw->GetTypeInfo(0, 0, info.out()), S_OK);
+  EXPECT_EQ(DispInvoke(raw.get(), info.get(), 6, DISPATCH_METHOD, &none, &empty, nullptr, nullptr),
+            S_OK);
 }
 
 TEST_F(Callers, LeaveNoTypeLibraryInAModuleThatMayGo) {

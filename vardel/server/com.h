@@ -110,10 +110,14 @@ void AddModuleUse();
 void ReleaseModuleUse();
 bool IsModuleInUse();
 
+/// An interface with those of its members that every object implements alike.
+template <class Interface>
+class Implementation : public Interface {};
+
 /// An object with a reference count and the given interfaces, the first of which is its identity.
 /// It keeps the DLL loaded.
 template <class... Interfaces>
-class ComObject : public Interfaces... {
+class ComObject : public Implementation<Interfaces>... {
  public:
   using Default = std::tuple_element_t<0, std::tuple<Interfaces...>>;
 

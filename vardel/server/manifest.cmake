@@ -3,9 +3,9 @@
 # Fills in the side-by-side manifest from the GUIDs that the IDL compiler writes: a line for every class,
 # and for every interface one that lets it cross apartments, marshalled by the type library.
 file(READ ${GUIDS} guids)
-string(REGEX MATCHALL "(LIBID|CLSID|IID)_[A-Za-z0-9_]+, 0x[0-9a-fx, ]+" rows "${guids}")
+string(REGEX MATCHALL "(LIBID|CLSID|IID)_[A-Za-z0-9_]+, *0x[0-9A-Fa-fx, ]+" rows "${guids}")
 foreach(row IN LISTS rows)
-  string(REGEX MATCH "([A-Z]+)_([A-Za-z0-9_]+), (.*)" matched "${row}")
+  string(REGEX MATCH "([A-Z]+)_([A-Za-z0-9_]+), *(.*)" matched "${row}")
   set(kind ${CMAKE_MATCH_1})
   set(name ${CMAKE_MATCH_2})
   string(REGEX REPLACE "0x|[, ]" "" digits "${CMAKE_MATCH_3}")

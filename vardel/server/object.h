@@ -10,10 +10,12 @@
 #include <vardel/server/foreign_objects.h>
 #include <vardel/server/status.h>
 
+#include <ocidl.h>
 #include <vardel_idl.h>
 
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -99,11 +101,23 @@ inline vardel::CardDataStruct Record(const ::CardDataStruct& record) {
   return result;
 }
 
+/// A dual interface describes itself, whichever of an object's it is.
+template <std::derived_from<IDispatch> Interface>
+class Implementation<Interface> : public Interface {
+ public:
+  STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) final {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    return index == 0 ? GiveTypeInfo(__uuidof(Interface), info) : DISP_E_BADINDEX;
+  }
+};
+
 /// An automation object: reference count, interfaces, late-bound calls, and the boundary around
 /// every member. It has no state but its core object. The first interface is the default one.
 template <class CoreType, class... Interfaces>
-class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject> {
-  using Base = ComObject<Interfaces..., ISupportErrorInfo, INativeObject>;
+class Object
+    : public ComObject<Interfaces..., ISupportErrorInfo, IProvideClassInfo, INativeObject> {
+  using Base = ComObject<Interfaces..., ISupportErrorInfo, IProvideClassInfo, INativeObject>;
   using Base::Unknown;
 
  public:
@@ -125,12 +139,6 @@ class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject>
     *count = 1;
     return S_OK;
   }
-  STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) override {
-    if (info == nullptr) return E_POINTER;
-    *info = nullptr;
-    if (index != 0) return DISP_E_BADINDEX;
-    return Guard(className_, [&] { *info = LoadTypeInfo(__uuidof(Default)).Detach(); });
-  }
   STDMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*locale*/,
                              DISPID* ids) override {
     HRESULT status = S_OK;
@@ -150,6 +158,11 @@ class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject>
 
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override {
     return ((iid == __uuidof(Interfaces)) || ...) ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP GetClassInfo(ITypeInfo** info) override {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    return Guard(className_, [&] { *info = LoadClassInfo(Wide(className_)).Detach(); });
   }
   STDMETHODIMP_(const void*) CoreOf(const void* tag) override {
     return tag == &coreTag<Core> ? &core_ : nullptr;

@@ -78,14 +78,7 @@ class RecordInfo final : public ComObject<IRecordInfo> {
     return S_OK;
   }
   STDMETHODIMP GetTypeInfo(ITypeInfo** info) override {
-    if (info == nullptr) return E_INVALIDARG;
-    try {
-      *info = LoadTypeInfo(guid_).Detach();
-      return S_OK;
-    } catch (const std::exception&) {
-      *info = nullptr;
-      return TYPE_E_CANTLOADLIBRARY;
-    }
+    return info == nullptr ? E_INVALIDARG : GiveTypeInfo(guid_, info);
   }
   STDMETHODIMP GetField(PVOID record, LPCOLESTR name, VARIANT* value) override {
     if (record == nullptr || name == nullptr || value == nullptr) return E_INVALIDARG;

@@ -59,9 +59,8 @@ class Classes {
   }
 
   /// A text; nothing where there is none.
-  std::optional<std::wstring> Get(const std::wstring& key, const wchar_t* name,
-                                  REGSAM view = 0) const {
-    const Key handle = Open(key, KEY_READ | view);
+  std::optional<std::wstring> Get(const std::wstring& key, const wchar_t* name) const {
+    const Key handle = Open(key, KEY_READ);
     DWORD bytes = 0;
     if (handle == nullptr || RegGetValueW(handle.get(), nullptr, name, RRF_RT_REG_SZ, nullptr,
                                           nullptr, &bytes) != ERROR_SUCCESS) {

@@ -112,6 +112,32 @@ ComPtr<ITypeInfo> LoadTypeInfo(REFGUID guid) {
   return info;
 }
 
+HRESULT GiveTypeInfo(REFGUID guid, ITypeInfo** info) noexcept {
+  *info = nullptr;
+  try {
+    *info = LoadTypeInfo(guid).Detach();
+    return S_OK;
+  } catch (const std::exception&) {
+    return TYPE_E_CANTLOADLIBRARY;
+  }
+}
+
+ComPtr<ITypeInfo> LoadClassInfo(std::wstring_view name) {
+  const auto library = LoadTypeLibrary();
+  TYPEKIND kind{};
+  for (UINT i = 0; SUCCEEDED(library->GetTypeInfoType(i, &kind)); ++i) {
+    if (kind != TKIND_COCLASS) continue;
+    ComPtr<ITypeInfo> info;
+    BSTR text = nullptr;
+    Require(library->GetTypeInfo(i, info.out()));
+    Require(info->GetDocumentation(MEMBERID_NIL, &text, nullptr, nullptr, nullptr));
+    const bool isIt = EqualNames(text, name);
+    SysFreeString(text);
+    if (isIt) return info;
+  }
+  throw std::runtime_error("the type library lacks a class");
+}
+
 TypeTable::TypeTable(REFIID iid) {
   // The library gives the late-bound view of a dual interface; the vtable is in the other one.
   const ComPtr<ITypeInfo> dispatch = LoadTypeInfo(iid);

@@ -16,6 +16,10 @@ ComPtr<ITypeLib> LoadTypeLibrary();
 void DropTypeLibrary();
 /// A type of the library.
 ComPtr<ITypeInfo> LoadTypeInfo(REFGUID guid);
+/// The same for a caller outside; null and a status where the library cannot be loaded.
+HRESULT GiveTypeInfo(REFGUID guid, ITypeInfo** info) noexcept;
+/// A class of the library, by its name.
+ComPtr<ITypeInfo> LoadClassInfo(std::wstring_view name);
 
 /// A parameter, or a result, as a late-bound call sees it.
 struct Parameter {
