@@ -1,5 +1,4 @@
 #include "tests/server/library_types.h"
-#include "tests/server/library_types.h"
 #include "tests/server/test_frame.h"
 
 #include <gtest/gtest.h>
