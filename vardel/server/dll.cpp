@@ -54,7 +54,8 @@ class ClassFactory final : public ComObject<IClassFactory> {
     return FAILED(guarded) ? guarded : status;
   }
   STDMETHODIMP LockServer(BOOL lock) override {
-    lock != FALSE ? AddModuleUse() : ReleaseModuleUse();
+    constexpr unsigned kPlace = 0;  // of all locks, on whatever thread
+    lock != FALSE ? AddModuleUse(kPlace) : ReleaseModuleUse(kPlace);
     return S_OK;
   }
 
@@ -70,7 +71,10 @@ using namespace vardel::server;
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
   if (reason == DLL_PROCESS_ATTACH) moduleInstance = instance;
   // When the process ends, the library's own DLL may have gone already.
-  if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) DropTypeLibrary();
+  if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
+    DropTypeLibrary();
+    DropMemory();
+  }
   return TRUE;
 }
 
@@ -79,9 +83,12 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID* object) {
   *object = nullptr;
   for (const ClassId& row : kClasses) {
     if (row.id != classId) continue;
-    auto* const factory = new (std::nothrow) ClassFactory(row.name);
-    if (factory == nullptr) return E_OUTOFMEMORY;
-    return ComPtr<IClassFactory>::Adopt(factory)->QueryInterface(iid, object);
+    HRESULT status = E_NOINTERFACE;
+    const HRESULT guarded = Guard(row.name, [&] {
+      const auto factory = ComPtr<IClassFactory>::Adopt(new ClassFactory(row.name));
+      status = factory->QueryInterface(iid, object);
+    });
+    return FAILED(guarded) ? guarded : status;
   }
   return CLASS_E_CLASSNOTAVAILABLE;
 }
