@@ -4,6 +4,7 @@
 #include <vardel/core/card_frame.h>
 #include <vardel/facade/card.h>
 #include <vardel/facade/card_types.h>
+#include <vardel/format/descriptor_members.h>
 
 using namespace vardel;
 using namespace vardel::fuzz;
@@ -45,9 +46,7 @@ using Step = void (*)(Host&);
 #define VALIDATOR(id, name) [](Host& h) { h.format->name(h.in.Text()); },
 #define ENCODER(id, name) [](Host& h) { h.format->name(h.in.Card()); },
 #define DECODER(id, name) [](Host& h) { h.format->name(Frame(h.in)); },
-constexpr Step kFormatSteps[] = {
-#include <vardel/format/descriptor_members.inc>
-};
+constexpr Step kFormatSteps[] = {DESCRIPTOR_MEMBERS()};
 
 constexpr Step kOtherSteps[] = {
     [](Host& h) {

@@ -1,4 +1,5 @@
 #include "tests/cases/native_host.h"
+#include <vardel/format/descriptor_members.h>
 #include <vardel/formats/card_formats.h>
 
 #include <gtest/gtest.h>
@@ -37,9 +38,7 @@ TEST(FormatCases, CoverEveryFormatWithEveryKindOfCaseAndEveryParameter) {
 #define VALIDATOR(n, name)
 #define ENCODER(n, name) "encode", "encode",
 #define DECODER(n, name) "decode", "decode", "format.IsFacilityValid", "format.IsCardIDValid",
-  const std::vector<std::string> expected = {
-#include <vardel/format/descriptor_members.inc>
-  };
+  const std::vector<std::string> expected = {DESCRIPTOR_MEMBERS()};
   std::vector<std::string> formats;
   for (const std::string& path : CaseFiles("cases/formats")) {
     std::ifstream file(path);
