@@ -3,6 +3,7 @@
 // once against one. All of it is interleaved in one run; the argument is the number of repetitions.
 
 #include <vardel/core/card_data.h>
+#include <vardel/core/card_frame.h>
 #include <vardel/facade/card.h>
 #include <vardel/server/com.h>
 
@@ -16,6 +17,7 @@
 #include <iostream>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -95,6 +97,8 @@ void Invoke(Dispatcher dispatcher, const Member& member, WORD flags, VARIANT* ar
                            nullptr, nullptr));
 }
 
+constexpr char kRead[] = "7360C80200000000000000000000000000000000000000000000000000000000";
+
 /// What one apartment has to measure with.
 class Host {
  public:
@@ -105,8 +109,7 @@ class Host {
     Require(card_->put_CardID(number_.bstrVal));
     Require(frame_->put_FrameCardType(::CARD_HID));
     Require(frame_->put_FrameCardSubType(::CARD_SUB_HID_STD));
-    Require(frame_->put_RawCardHex(
-        TextArgument("7360C80200000000000000000000000000000000000000000000000000000000").bstrVal));
+    Require(frame_->put_RawCardHex(TextArgument(kRead).bstrVal));
     library_.CardType = CARD_HID;
     library_.CardSubType = CARD_SUB_HID_STD;
     library_.Facility = "100";
@@ -147,16 +150,22 @@ class Host {
     Invoke(kBy, decode_, DISPATCH_METHOD, &frameArgument_);
   }
   void Make() { server::Create<::_CCardData>(factory_); }
-  void FindName() { encode_.IdByObject(); }
-  void FindNameByPlatform() { encode_.IdByPlatform(); }
-  /// What two threads can do at once on this machine: the library alone, which shares nothing.
+  void FindName() { ofFormat_.IdByObject(); }
+  void FindNameByPlatform() { ofFormat_.IdByPlatform(); }
+  // What two threads can do at once on this machine, and on this platform: the library alone shares
+  // nothing, and a text is the platform's.
   void EncodeWithoutServer() {
     if (libraryFacade_.MakeCardData(library_).ErrNumber() != 0) throw std::runtime_error("encode");
   }
+  void DecodeWithoutServer() {
+    if (libraryFacade_.AnalyzeCardData(read_).ErrNumber != 0) throw std::runtime_error("decode");
+  }
+  void MakeText() { SysFreeString(SysAllocStringLen(nullptr, 5)); }
 
  private:
   ComPtr<IClassFactory> factory_ = Factory(CLSID_CCardData);
   ComPtr<::_CCard> facade_ = server::Create<::_CCard>(Factory(CLSID_CCard));
+  ComPtr<IDispatch> format_ = server::Create<IDispatch>(Factory(CLSID_CCardFormatHIDStandard));
   ComPtr<::_CCardData> card_ = server::Create<::_CCardData>(factory_);
   ComPtr<::_CCardFrame> frame_ = server::Create<::_CCardFrame>(Factory(CLSID_CCardFrame));
   Member text_{card_.get(), L"CardID"};
@@ -165,36 +174,43 @@ class Host {
   TextArgument number_{"12345"};
   ::_CCardData* cardObject_ = card_.get();
   IDispatch* frameObject_ = frame_.get();
+  Member ofFormat_{format_.get(), L"CCardFormatInfo_MakeCardData"};
   VARIANT cardArgument_{};
   VARIANT frameArgument_{};
   vardel::CCard libraryFacade_;
   vardel::CCardData library_;
+  vardel::CCardFrame read_{CARD_HID, CARD_SUB_HID_STD, kRead};
 };
 
 using Call = void (Host::*)();
 
 using Clock = std::chrono::steady_clock;
-constexpr int kCalls = 5000;
+using Nanoseconds = std::chrono::duration<double, std::nano>;
 
-/// When many calls are done.
-Clock::time_point Repeat(Host& host, Call call) {
-  for (int i = 0; i < kCalls; ++i) (host.*call)();
-  return Clock::now();
-}
-
-/// Nanoseconds for one of the calls.
-double PerCall(Clock::time_point begin, Clock::time_point end) {
-  return std::chrono::duration<double, std::nano>(end - begin).count() / kCalls;
-}
-
-double Time(Host& host, Call call) {
-  const auto begin = Clock::now();
-  return PerCall(begin, Repeat(host, call));
-}
-
-/// A call and what it took in each repetition.
+/// A call, how many of them make a measurement, and what one took in each.
 struct Cell {
   explicit Cell(Call itsCall) : call(itsCall) {}
+
+  /// When the calls are done.
+  Clock::time_point Repeat(Host& host) const {
+    for (int i = 0; i < calls; ++i) (host.*call)();
+    return Clock::now();
+  }
+  void Add(Clock::time_point begin, Clock::time_point end) {
+    times.push_back(Nanoseconds(end - begin).count() / calls);
+  }
+  void Measure(Host& host) {
+    const auto begin = Clock::now();
+    Add(begin, Repeat(host));
+  }
+  /// Measures for about half a millisecond from now on: longer ones are disturbed more often.
+  void Adjust(Host& host) {
+    constexpr double kNanoseconds = 5e5;
+    Measure(host);
+    calls = static_cast<int>(std::clamp(kNanoseconds / times.back(), 10.0, 1e5));
+    times.clear();
+  }
+
   double Least() const { return std::ranges::min(times); }
   double Median() const {
     std::vector<double> sorted = times;
@@ -203,6 +219,7 @@ struct Cell {
   }
 
   Call call;
+  int calls = 100;
   std::vector<double> times = {};
 };
 
@@ -212,11 +229,11 @@ struct Row {
 };
 
 struct PairRow {
-  const char* name;
+  std::string name;
   Cell one, two;
 };
 
-/// Times each call in two apartments at once, from when both are there until both are done.
+/// Measures each call in two apartments at once, from when both are there until both are done.
 void MeasurePairs(Host& host, std::vector<PairRow>& pairs) {
   using Times = std::vector<Clock::time_point>;
   std::atomic<std::size_t> arrived = 0;
@@ -226,7 +243,7 @@ void MeasurePairs(Host& host, std::vector<PairRow>& pairs) {
       begins[place].push_back(Clock::now());
       ++arrived;
       while (arrived < 2 * begins[place].size()) std::this_thread::yield();
-      ends[place].push_back(Repeat(mine, row.two.call));
+      ends[place].push_back(row.two.Repeat(mine));
     }
   };
   std::thread other([&] {
@@ -237,20 +254,23 @@ void MeasurePairs(Host& host, std::vector<PairRow>& pairs) {
   repeatAll(host, 0);
   other.join();
   for (std::size_t i = 0; i < pairs.size(); ++i) {
-    pairs[i].two.times.push_back(
-        PerCall(std::max(begins[0][i], begins[1][i]), std::max(ends[0][i], ends[1][i])));
+    pairs[i].two.Add(std::max(begins[0][i], begins[1][i]), std::max(ends[0][i], ends[1][i]));
   }
 }
 
 void Measure(std::vector<Row>& rows, std::vector<PairRow>& pairs, int repetitions) {
   Host host;
-  for (int i = 0; i < repetitions; ++i) {
-    for (Row& row : rows) {
-      for (Cell* cell : {&row.early, &row.late, &row.platform}) {
-        if (cell->call != nullptr) cell->times.push_back(Time(host, cell->call));
-      }
+  std::vector<Cell*> cells;
+  for (Row& row : rows) {
+    for (Cell* cell : {&row.early, &row.late, &row.platform}) {
+      if (cell->call != nullptr) cells.push_back(cell);
     }
-    for (PairRow& row : pairs) row.one.times.push_back(Time(host, row.one.call));
+  }
+  for (PairRow& row : pairs) cells.push_back(&row.one);
+  for (Cell* cell : cells) cell->Adjust(host);
+  for (PairRow& row : pairs) row.two.calls = row.one.calls;
+  for (int i = 0; i < repetitions; ++i) {
+    for (Cell* cell : cells) cell->Measure(host);
     MeasurePairs(host, pairs);
   }
 }
@@ -279,12 +299,17 @@ void Run(int repetitions) {
       {"find a name", Cell(nullptr), Cell(&Host::FindName), Cell(&Host::FindNameByPlatform)},
       {"create", Cell(&Host::Make), Cell(nullptr), Cell(nullptr)},
   };
-  std::vector<PairRow> pairs;
-  pairs.push_back(
-      {"library alone", Cell(&Host::EncodeWithoutServer), Cell(&Host::EncodeWithoutServer)});
+  std::vector<PairRow> pairs = {
+      {"library's encode alone", Cell(&Host::EncodeWithoutServer),
+       Cell(&Host::EncodeWithoutServer)},
+      {"library's decode alone", Cell(&Host::DecodeWithoutServer),
+       Cell(&Host::DecodeWithoutServer)},
+      {"platform's text alone", Cell(&Host::MakeText), Cell(&Host::MakeText)}};
   for (const Row& row : rows) {
-    const Cell& cell = row.early.call != nullptr ? row.early : row.late;
-    pairs.push_back({row.name, cell, cell});
+    if (row.early.call != nullptr) pairs.push_back({row.name, row.early, row.early});
+    if (row.late.call != nullptr) {
+      pairs.push_back({std::string(row.name) + ", late", row.late, row.late});
+    }
   }
   Measure(rows, pairs, repetitions);
 

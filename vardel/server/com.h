@@ -75,7 +75,7 @@ class ComPtr {
 
 /// A VARIANT that clears itself.
 struct Variant : VARIANT {
-  Variant() : VARIANT{} {}
+  Variant() : VARIANT{} { vt = VT_EMPTY; }
   Variant(const Variant&) = delete;
   Variant& operator=(const Variant&) = delete;
   ~Variant() {
@@ -121,6 +121,7 @@ class ComObject : public Interfaces... {
   ComObject& operator=(const ComObject&) = delete;
   virtual ~ComObject() { ReleaseModuleUse(place_); }
 
+  // NOLINTNEXTLINE(misc-new-delete-overloads): the delete that knows the size is its match
   static void* operator new(std::size_t size) { return TakeMemory(size); }
   static void operator delete(void* memory, std::size_t size) { GiveBackMemory(memory, size); }
 

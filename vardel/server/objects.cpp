@@ -436,6 +436,7 @@ constexpr Row OfFormat(const char* name, const CLSID& id) {
           Wrap<ObjectClass>};
 }
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a template, which takes none
 #define FORMAT_CLASS(name, object) OfFormat<vardel::name, object<::_##name>>(#name, CLSID_##name)
 
 constexpr Row kRows[] = {

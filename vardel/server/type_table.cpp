@@ -144,10 +144,11 @@ const Member* TypeTable::Find(std::wstring_view name) const {
 }
 
 const Member* TypeTable::Find(DISPID id, WORD flags) const {
-  for (const Member& member : std::ranges::equal_range(members_, id, {}, &Member::id)) {
+  auto member = std::ranges::lower_bound(members_, id, {}, &Member::id);
+  for (; member != members_.end() && member->id == id; ++member) {
     // A host that only says "put" may mean either kind of it.
-    const bool isPut = member.kind == INVOKE_PROPERTYPUTREF && (flags & DISPATCH_PROPERTYPUT) != 0;
-    if ((member.kind & flags) != 0 || isPut) return &member;
+    const bool isPut = member->kind == INVOKE_PROPERTYPUTREF && (flags & DISPATCH_PROPERTYPUT) != 0;
+    if ((member->kind & flags) != 0 || isPut) return &*member;
   }
   return nullptr;
 }
