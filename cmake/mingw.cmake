@@ -10,8 +10,10 @@ set(CMAKE_FIND_ROOT_PATH /usr/${triple})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+# The server runs inside hosts and reads what they hand it.
+set(CMAKE_CXX_FLAGS_INIT "-fstack-protector-strong")
 if(VARDEL_PROCESSOR STREQUAL i686)
   # Doubles are 64 bits wide, whatever precision a host has set for its floating-point unit, and hosts
   # may call with a stack that is aligned to 4 bytes only.
-  set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse -mstackrealign")
+  string(APPEND CMAKE_CXX_FLAGS_INIT " -msse2 -mfpmath=sse -mstackrealign")
 endif()

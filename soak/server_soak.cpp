@@ -12,7 +12,7 @@
 namespace vardel::server {
 namespace {
 
-/// One object of each class; a late-bound call, a card there and back, and a fault.
+/// One object of each class; late-bound calls, a card there and back, and faults.
 void UseAll(const ServerModule& module, const std::map<std::string, CLSID>& classes) {
   for (const auto& [name, id] : classes) {
     ComPtr<ITypeInfo> info;
@@ -33,6 +33,17 @@ void UseAll(const ServerModule& module, const std::map<std::string, CLSID>& clas
   ::_CCardData* argument = card.get();
   ComPtr<::_CCardByteData> raw;
   Require(facade->MakeCardData(&argument, raw.out()));
+  // Records that nobody gets: nobody wants the first one, and HID full binary has none.
+  Variant passed;
+  passed.vt = VT_DISPATCH;
+  passed.pdispVal = card.As<IDispatch>().Detach();
+  const auto encode = [&](LONG code) {
+    ComPtr<::_CCardFormatInfo> format;
+    Require(facade->CardFormatByCode(code, format.out()));
+    return Call(format.get(), L"MakeCardData", DISPATCH_METHOD, {&passed}, nullptr);
+  };
+  Require(encode(513).status);
+  if (encode(514).fault != 9) throw std::runtime_error("no fault in an encode");
   ComPtr<::_CCardFormatInfo> none;
   if (SUCCEEDED(facade->CardFormatByCode(1, none.out()))) throw std::runtime_error("no fault");
   SetErrorInfo(0, nullptr);

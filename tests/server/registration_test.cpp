@@ -84,6 +84,16 @@ Keys KeysOf(const std::wstring& kind, REFGUID id = {}, const std::string& name =
   return keys;
 }
 
+void SetText(const std::wstring& key, const std::wstring& text, DWORD options = 0) {
+  HKEY handle = nullptr;
+  EXPECT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + key).c_str(), 0, nullptr,
+                            options, KEY_WRITE, nullptr, &handle, nullptr),
+            ERROR_SUCCESS);
+  RegSetValueExW(handle, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                 static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+  RegCloseKey(handle);
+}
+
 class Registration : public testing::Test {
  protected:
   Registration() {
@@ -148,7 +158,37 @@ TEST_F(Registration, ThatFailsPartWayLeavesNothing) {
                   REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &blocked, nullptr);
   RegCloseKey(blocked);
   EXPECT_EQ(Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
-  ExpectKeys({}, {});
+  ExpectKeys({L"\\VARDEL.CCARDTYPES"}, {});
+}
+
+TEST_F(Registration, ThatFailsPartWayLeavesAnEarlierOne) {
+  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+  Keys before;
+  SetText(L"CLSID\\" + Text(CLSID_CCard) + L"\\InprocServer32", L"C:\\earlier\\vardel.dll");
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\Vardel.CCardTypes");
+  SetText(L"Vardel.CCardTypes", L"blocks", REG_OPTION_VOLATILE);
+  Collect(HKEY_LOCAL_MACHINE, L"Software\\Classes", L"", before);
+  EXPECT_EQ(Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
+  ExpectKeys(before, {});
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\Vardel.CCardTypes");
+  EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+}
+
+TEST_F(Registration, LeavesAnotherDllsClassAndAnotherVersionsLibrary) {
+  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+  const std::wstring key = L"CLSID\\" + Text(CLSID_CCard) + L"\\InprocServer32";
+  const std::wstring library = L"TypeLib\\" + Text(LIBID_Vardel);
+  SetText(key, L"C:\\other.dll");
+  SetText(library + L"\\2.0", L"Vardel 2.0");
+  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  Keys left = {L"\\TYPELIB\\" + Text(LIBID_Vardel),
+               L"\\TYPELIB\\" + Text(LIBID_Vardel) + L"\\2.0 =Vardel 2.0"};
+  for (const auto& line : KeysOf(L"class", CLSID_CCard, "CCard")) {
+    left.insert(std::regex_replace(line, std::wregex(L"=[^=]*vardel\\.dll"), L"=C:\\other.dll"));
+  }
+  ExpectKeys(left, {});
+  RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + library).c_str());
+  EXPECT_EQ(Call("DllRegisterServer"), S_OK) << "so that all can be unregistered";
 }
 
 TEST_F(Registration, OfTheUserLeavesTheMachineAlone) {

@@ -13,8 +13,8 @@ namespace vardel::server {
 
 class ServerModule {
  public:
-  ServerModule() : module_(LoadLibraryW(L"vardel.dll")) {
-    if (module_ == nullptr) throw std::runtime_error("vardel.dll does not load");
+  explicit ServerModule(const wchar_t* file = L"vardel.dll") : module_(LoadLibraryW(file)) {
+    if (module_ == nullptr) throw std::runtime_error("the DLL does not load");
   }
   ServerModule(const ServerModule&) = delete;
   ServerModule& operator=(const ServerModule&) = delete;

@@ -12,6 +12,8 @@
 //   CONVERSION   one argument that comes by reference; then the result's type
 //   RECORD       a plain value with put, then get; a record is put by reference
 //   PUT_RECORD   a put of a record behind a method
+//   FRAME_ENCODER
+//                a put of the record that a format makes of a card
 //   INIT_TYPE    INIT with a card type that may be omitted
 //   ERROR_OBJECT the contained CError
 
@@ -68,7 +70,8 @@
   P##ACCESSOR(3, IsEMFrame, VARIANT_BOOL) \
   P##ACCESSOR(5, RawCardHex, BSTR)        \
   P##READONLY(4, RawCardBytes, VARIANT)   \
-  P##PUT_RECORD(6, CardDataStruct)
+  P##PUT_RECORD(6, CardDataStruct)        \
+  P##FRAME_ENCODER(7, MakeCardData)
 
 #define CARD_MEMBERS(P)                                                              \
   P##FIELD(1, ErrName, BSTR)                                                         \

@@ -46,6 +46,23 @@ char32_t LeadingSurrogate(std::string_view text) {
 
 }  // namespace
 
+HRESULT ChangeType(VARIANT& to, const VARIANT& from, VARTYPE type) {
+  constexpr LCID kUsEnglish = 0x0409;
+  return VariantChangeTypeEx(&to, const_cast<VARIANT*>(&from), kUsEnglish, VARIANT_NOUSEROVERRIDE,
+                             type);
+}
+
+const VARIANT* ValueOf(const VARIANT& variant) {
+  const VARIANT* value = &variant;
+  if (variant.vt == (VT_BYREF | VT_VARIANT)) {
+    value = variant.pvarVal;
+    if (value == nullptr || value->vt == variant.vt) return nullptr;
+  }
+  const bool leadsNowhere =
+      (value->vt & VT_BYREF) != 0 && value->vt != (VT_BYREF | VT_RECORD) && value->byref == nullptr;
+  return leadsNowhere ? nullptr : value;
+}
+
 std::string Utf8(std::wstring_view text) {
   std::string utf8(text.size(), '\0');
   unsigned seen = 0;

@@ -12,6 +12,8 @@
 #include <atomic>
 #include <cstddef>
 #include <new>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -83,8 +85,24 @@ struct Variant : VARIANT {
   }
 };
 
-/// Numbers and texts convert alike wherever a host runs: as in US English.
-inline constexpr LCID kOneLocale = 0x0409;
+/// Converts a value. Numbers and texts convert alike wherever a host runs: as in US English,
+/// whatever the user has changed in it.
+HRESULT ChangeType(VARIANT& to, const VARIANT& from, VARTYPE type);
+
+/// The value of a variant by reference, or of any other the variant itself. Null where the
+/// reference leads nowhere, or to a variant by reference once more, which could be the first.
+const VARIANT* ValueOf(const VARIANT& variant);
+
+/// The elements of an array of one dimension, which may be by reference; nothing for any other
+/// value.
+template <class Element>
+std::optional<std::span<const Element>> ElementsOf(const VARIANT& value, VARTYPE type) {
+  if ((value.vt & ~VT_BYREF) != (VT_ARRAY | type)) return std::nullopt;
+  const SAFEARRAY* const array = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
+  if (array == nullptr || array->pvData == nullptr) return std::span<const Element>();
+  if (array->cDims != 1 || array->cbElements != sizeof(Element)) return std::nullopt;
+  return std::span(static_cast<const Element*>(array->pvData), array->rgsabound[0].cElements);
+}
 
 /// UTF-8 of a BSTR's text; null is "". Unpaired surrogates pass in their three-byte form, so that
 /// text which is only stored comes back as it was.
@@ -109,10 +127,14 @@ void GiveBackMemory(void* memory, std::size_t size) noexcept;
 /// Lets go of what waits, before the DLL is unloaded.
 void DropMemory() noexcept;
 
+/// An interface with those of its members that every object implements alike.
+template <class Interface>
+class Implementation : public Interface {};
+
 /// An object with a reference count and the given interfaces, the first of which is its identity.
 /// It keeps the DLL loaded.
 template <class... Interfaces>
-class ComObject : public Interfaces... {
+class ComObject : public Implementation<Interfaces>... {
  public:
   using Default = std::tuple_element_t<0, std::tuple<Interfaces...>>;
 

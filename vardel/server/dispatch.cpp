@@ -2,27 +2,15 @@
 #include <vardel/server/dispatch.h>
 #include <vardel/server/record_info.h>
 
-#include <vardel_idl.h>
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 namespace vardel::server {
 namespace {
-
-/// The value behind variants by reference; null where a reference leads nowhere.
-const VARIANT* Unwrap(const VARIANT* argument) {
-  while (argument != nullptr && argument->vt == (VT_BYREF | VT_VARIANT)) {
-    argument = argument->pvarVal;
-  }
-  if (argument == nullptr) return nullptr;
-  const bool leadsNowhere = (argument->vt & VT_BYREF) != 0 &&
-                            argument->vt != (VT_BYREF | VT_RECORD) && argument->byref == nullptr;
-  return leadsNowhere ? nullptr : argument;
-}
 
 bool IsOmitted(const VARIANT& argument) {
   return argument.vt == VT_ERROR && argument.scode == DISP_E_PARAMNOTFOUND;
@@ -76,7 +64,7 @@ class Words {
 struct Argument {
   VARIANT value{};  // the host's own, or what `owned` holds
   Variant owned;
-  ::CardDataStruct record;
+  vardel::CardDataStruct record;
 };
 
 HRESULT ConvertObject(const VARIANT& source, const Parameter& parameter, Argument& argument) {
@@ -108,22 +96,10 @@ HRESULT ConvertObject(const VARIANT& source, const Parameter& parameter, Argumen
   return S_OK;
 }
 
-HRESULT ConvertRecord(const VARIANT& source, const Parameter& parameter, ::CardDataStruct& record) {
-  GUID guid{};
-  ULONG size = 0;
-  if ((source.vt & ~VT_BYREF) != VT_RECORD || source.pRecInfo == nullptr ||
-      source.pvRecord == nullptr || FAILED(source.pRecInfo->GetGuid(&guid)) ||
-      guid != parameter.guid || FAILED(source.pRecInfo->GetSize(&size)) || size != sizeof(record)) {
-    return DISP_E_TYPEMISMATCH;
-  }
-  std::memcpy(&record, source.pvRecord, sizeof(record));
-  return S_OK;
-}
-
 /// Adds an argument to the words of the call.
 HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argument,
                 Words& words) {
-  const VARIANT* const unwrapped = Unwrap(&given);
+  const VARIANT* const unwrapped = ValueOf(given);
   if (unwrapped == nullptr) return DISP_E_TYPEMISMATCH;
   const VARIANT& source = *unwrapped;
   if (IsOmitted(source)) {
@@ -133,7 +109,7 @@ HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argu
   }
   if (parameter.type == VT_RECORD) {
     words.Add(&argument.record);
-    return ConvertRecord(source, parameter, argument.record);
+    return ConvertToRecord(source, argument.record);
   }
 
   HRESULT status = S_OK;
@@ -142,8 +118,7 @@ HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argu
   } else if (source.vt == parameter.type) {
     argument.value = source;
   } else {
-    status = VariantChangeTypeEx(&argument.owned, const_cast<VARIANT*>(&source), kOneLocale, 0,
-                                 parameter.type);
+    status = ChangeType(argument.owned, source, parameter.type);
     argument.value = argument.owned;
   }
   if (parameter.isByRef) {
@@ -162,6 +137,10 @@ HRESULT Order(const DISPPARAMS& params, const Member& member, OrderedArguments& 
               UINT* argumentError) {
   const std::size_t count = member.parameters.size();
   if (params.cArgs > count || params.cNamedArgs > params.cArgs) return DISP_E_BADPARAMCOUNT;
+  if ((params.rgvarg == nullptr && params.cArgs > 0) ||
+      (params.rgdispidNamedArgs == nullptr && params.cNamedArgs > 0)) {
+    return E_INVALIDARG;
+  }
   const UINT positional = params.cArgs - params.cNamedArgs;
   for (UINT i = 0; i < positional; ++i) ordered[i] = &params.rgvarg[params.cArgs - 1 - i];
   for (UINT i = 0; i < params.cNamedArgs; ++i) {
@@ -194,24 +173,18 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
   for (std::size_t i = 0; i < member.parameters.size(); ++i) {
     const VARIANT* const source = given[i] == nullptr ? &omitted : given[i];
     const HRESULT status = Convert(*source, member.parameters[i], arguments[i], words);
+    if (FAILED(status) && argumentError != nullptr && given[i] != nullptr) {
+      *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
+    }
     if (status == DISP_E_TYPEMISMATCH) throw HostFault(Fault::TypeMismatch);
     if (status == DISP_E_OVERFLOW) throw HostFault(Fault::Overflow);
-    if (FAILED(status)) {
-      if (argumentError != nullptr && given[i] != nullptr) {
-        *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
-      }
-      return status;
-    }
+    if (FAILED(status)) return status;
   }
 
   Variant answer;
+  std::optional<NewRecord> record;
   if (member.result.type == VT_RECORD) {
-    ComPtr<IRecordInfo> info = CardRecordInfo();
-    answer.pvRecord = info->RecordCreate();
-    if (answer.pvRecord == nullptr) return E_OUTOFMEMORY;
-    answer.pRecInfo = info.Detach();
-    answer.vt = VT_RECORD;
-    words.Add(answer.pvRecord);
+    words.Add(record.emplace().bytes());
   } else if (member.result.type == VT_VARIANT) {
     words.Add(&answer);
   } else if (member.result.type != VT_EMPTY) {
@@ -223,6 +196,10 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
                              ? words.CallWithDouble(target.object, member.vtableOffset)
                              : words.Call(target.object, member.vtableOffset);
   if (FAILED(status)) return RaiseException(status, exception);
+  if (record) {
+    if (result != nullptr) record->HandTo(*result);
+    return S_OK;
+  }
   if (answer.vt == VT_EMPTY && member.result.type != VT_VARIANT) answer.vt = member.result.type;
   if (result != nullptr) {
     *result = answer;
@@ -251,6 +228,7 @@ HRESULT GetIDsOfNames(std::span<const DispatchTarget> targets, REFIID riid, LPOL
                       UINT count, DISPID* ids) {
   if (riid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (names == nullptr || ids == nullptr || count == 0) return E_POINTER;
+  if (std::find(names, names + count, nullptr) != names + count) return E_INVALIDARG;
   std::fill_n(ids, count, DISPID_UNKNOWN);
   for (const DispatchTarget& target : targets) {
     const Member* const member = target.table.Find(names[0]);

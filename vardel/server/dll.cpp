@@ -1,6 +1,7 @@
 // The DLL's entry points and its class factories.
 
 #include <vardel/server/objects.h>
+#include <vardel/server/record_info.h>
 #include <vardel/server/registration.h>
 #include <vardel/server/status.h>
 #include <vardel/server/type_table.h>
@@ -41,13 +42,8 @@ class ClassFactory final : public ComObject<IClassFactory> {
 
 using namespace vardel::server;
 
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_ATTACH) moduleInstance = instance;
-  // When the process ends, the library's own DLL may have gone already.
-  if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
-    DropTypeLibrary();
-    DropMemory();
-  }
   return TRUE;
 }
 
@@ -63,7 +59,14 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID* object) {
   return FAILED(guarded) ? guarded : status;
 }
 
-STDAPI DllCanUnloadNow() { return IsModuleInUse() ? S_FALSE : S_OK; }
+STDAPI DllCanUnloadNow() {
+  if (IsModuleInUse()) return S_FALSE;
+  // Here, where no lock of the loader's is held yet.
+  DropRecordInfo();
+  DropTypeLibrary();
+  DropMemory();
+  return IsModuleInUse() ? S_FALSE : S_OK;
+}
 
 STDAPI DllRegisterServer() { return Register(Scope::Machine); }
 

@@ -1,6 +1,5 @@
 #include <vardel/core/card_frame.h>
 #include <vardel/core/host_fault.h>
-#include <vardel/format/mod_card.h>
 #include <vardel/server/frame_reader.h>
 #include <vardel/server/object.h>
 #include <vardel/server/status.h>
@@ -12,33 +11,7 @@
 namespace vardel::server {
 namespace {
 
-std::wstring TakeText(BSTR text) {
-  std::wstring result = text == nullptr ? L"" : std::wstring(text, SysStringLen(text));
-  SysFreeString(text);
-  return result;
-}
-
-[[noreturn]] void ThrowFailure(HRESULT status) {
-  ComPtr<IErrorInfo> info;
-  BSTR description = nullptr;
-  BSTR source = nullptr;
-  if (GetErrorInfo(0, info.out()) == S_OK) {
-    info->GetDescription(&description);
-    info->GetSource(&source);
-  }
-  std::wstring text = TakeText(description);
-  if (text.empty()) text = L"A member of the frame object failed";
-  throw FrameFailure(status, std::move(text), TakeText(source));
-}
-
-[[noreturn]] void ThrowException(EXCEPINFO& exception) {
-  if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
-  const HRESULT status = FAILED(exception.scode) ? exception.scode : StatusOfFault(exception.wCode);
-  std::wstring description = TakeText(exception.bstrDescription);
-  std::wstring source = TakeText(exception.bstrSource);
-  SysFreeString(exception.bstrHelpFile);
-  throw FrameFailure(status, std::move(description), std::move(source));
-}
+constexpr wchar_t kFailed[] = L"A member of the frame object failed";
 
 /// A frame whose members arrive as variants. It keeps what its views point to.
 class VariantFrame : public vardel::ICardFrame {
@@ -53,13 +26,9 @@ class VariantFrame : public vardel::ICardFrame {
   RawBytes RawCardBytes() const override {
     Variant value;
     Read(L"RawCardBytes", value, VT_EMPTY);
-    if (!IsByteArrayVariant(value.vt)) return std::nullopt;
-    const SAFEARRAY* const array = value.parray;
-    bytes_.clear();
-    if (array == nullptr || array->pvData == nullptr) return bytes_;
-    if (array->cDims != 1) return std::nullopt;
-    const auto* const data = static_cast<const std::uint8_t*>(array->pvData);
-    bytes_.assign(data, data + array->rgsabound[0].cElements);
+    const auto bytes = ElementsOf<std::uint8_t>(value, VT_UI1);
+    if (!bytes) return std::nullopt;
+    bytes_.assign(bytes->begin(), bytes->end());
     return bytes_;
   }
   std::string_view RawCardHex() const override {
@@ -77,9 +46,11 @@ class VariantFrame : public vardel::ICardFrame {
   void Read(const wchar_t* name, VARIANT& value, VARTYPE type) const {
     Variant raw;
     GetMember(name, raw);
-    HRESULT status = VariantCopyInd(&value, &raw);
+    const VARIANT* const direct = ValueOf(raw);
+    if (direct == nullptr) throw HostFault(Fault::TypeMismatch);
+    HRESULT status = VariantCopyInd(&value, const_cast<VARIANT*>(direct));
     if (SUCCEEDED(status) && type != VT_EMPTY) {
-      status = VariantChangeTypeEx(&value, &value, kOneLocale, 0, type);
+      status = ChangeType(value, value, type);
     }
     if (status == DISP_E_OVERFLOW) throw HostFault(Fault::Overflow);
     if (FAILED(status)) throw HostFault(Fault::TypeMismatch);
@@ -109,8 +80,8 @@ class NamedFrame final : public VariantFrame {
       // Some script engines make no difference between a function and a property.
       status = Get(id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, value, exception);
     }
-    if (status == DISP_E_EXCEPTION) ThrowException(exception);
-    if (FAILED(status)) ThrowFailure(status);
+    if (status == DISP_E_EXCEPTION) ThrowFailure(exception, kFailed);
+    if (FAILED(status)) ThrowFailure(status, kFailed);
   }
 
   HRESULT Get(DISPID id, WORD flags, VARIANT& value, EXCEPINFO& exception) const {
@@ -136,8 +107,8 @@ class NamedFrame final : public VariantFrame {
     if (FAILED(status)) {
       // As automation clients know it: the object doesn't support this property or method.
       constexpr int kNoSuchMember = 438;
-      throw FrameFailure(StatusOfFault(kNoSuchMember),
-                         L"The frame object has no member " + std::wstring(name), L"");
+      throw Failure(StatusOfFault(kNoSuchMember),
+                    L"The frame object has no member " + std::wstring(name), L"");
     }
     return id;
   }
@@ -154,7 +125,7 @@ class InterfaceFrame final : public VariantFrame {
   void GetMember(const wchar_t* name, VARIANT& value) const override {
     SetErrorInfo(0, nullptr);
     const HRESULT status = GetByName(name, value);
-    if (FAILED(status)) ThrowFailure(status);
+    if (FAILED(status)) ThrowFailure(status, kFailed);
   }
 
   HRESULT GetByName(std::wstring_view name, VARIANT& value) const {

@@ -2,11 +2,14 @@
 
 #include <vardel/core/host_fault.h>
 #include <vardel/server/dispatch.h>
+#include <vardel/server/foreign_objects.h>
 #include <vardel/server/status.h>
 
+#include <ocidl.h>
 #include <vardel_idl.h>
 
 #include <array>
+#include <concepts>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -33,15 +36,19 @@ __CRT_UUID_DECL(vardel::server::INativeObject, 0x7e5c0300, 0x93ad, 0x4c1f, 0x8b,
 namespace vardel::server {
 
 /// The core object of a host's argument, for as long as the host holds the argument: null stays
-/// null, an object of any other kind is fault 13.
-template <class Core>
-std::shared_ptr<Core> FromHost(IUnknown* object) {
+/// null, an object without the interface is fault 13.
+template <class Core, class Interface>
+std::shared_ptr<Core> FromHost(Interface* object) {
   if (object == nullptr) return nullptr;
   ComPtr<INativeObject> native;
   object->QueryInterface(__uuidof(INativeObject), reinterpret_cast<void**>(native.out()));
-  void* const core = native ? native->CoreOf(&coreTag<Core>) : nullptr;
-  if (core == nullptr) throw HostFault(Fault::TypeMismatch);
-  return {std::shared_ptr<Core>(), static_cast<Core*>(core)};
+  if (void* const core = native ? native->CoreOf(&coreTag<Core>) : nullptr) {
+    return {std::shared_ptr<Core>(), static_cast<Core*>(core)};
+  }
+  // Careless hosts cast what has another interface.
+  const auto foreign = ComPtr<IUnknown>::Share(object).template As<Interface>();
+  if (!foreign) throw HostFault(Fault::TypeMismatch);
+  return FromElsewhere(*foreign.get());
 }
 
 /// As what a core object's last share is given back to: keeps the automation object.
@@ -52,8 +59,8 @@ struct Keeper {
 
 /// The same to keep: a share in the core object keeps its automation object, too, so that whoever
 /// has the one finds the other.
-template <class Core>
-std::shared_ptr<Core> ShareOfHost(IUnknown* object) {
+template <class Core, class Interface>
+std::shared_ptr<Core> ShareOfHost(Interface* object) {
   const auto core = FromHost<Core>(object);
   if (core == nullptr) return nullptr;
   return std::shared_ptr<Core>(core.get(), Keeper{ComPtr<IUnknown>::Share(object)});
@@ -94,12 +101,24 @@ Core& CoreIn(std::shared_ptr<Core>& shared) {
   return *shared;
 }
 
+/// A dual interface describes itself, whichever of an object's it is.
+template <std::derived_from<IDispatch> Interface>
+class Implementation<Interface> : public Interface {
+ public:
+  STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) final {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    return index == 0 ? GiveTypeInfo(__uuidof(Interface), info) : DISP_E_BADINDEX;
+  }
+};
+
 /// An automation object: reference count, interfaces, late-bound calls, and the boundary around
 /// every member. Its core object is a part of it, or a std::shared_ptr where others hold that too.
 /// The first interface is the default one.
 template <class CoreType, class... Interfaces>
-class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject> {
-  using Base = ComObject<Interfaces..., ISupportErrorInfo, INativeObject>;
+class Object
+    : public ComObject<Interfaces..., ISupportErrorInfo, IProvideClassInfo, INativeObject> {
+  using Base = ComObject<Interfaces..., ISupportErrorInfo, IProvideClassInfo, INativeObject>;
   using Base::Unknown;
 
  public:
@@ -118,12 +137,6 @@ class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject>
     if (count == nullptr) return E_POINTER;
     *count = 1;
     return S_OK;
-  }
-  STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) override {
-    if (info == nullptr) return E_POINTER;
-    *info = nullptr;
-    if (index != 0) return DISP_E_BADINDEX;
-    return Guard(className_, [&] { *info = LoadTypeInfo(__uuidof(Default)).Detach(); });
   }
   STDMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*locale*/,
                              DISPID* ids) override {
@@ -144,6 +157,11 @@ class Object : public ComObject<Interfaces..., ISupportErrorInfo, INativeObject>
 
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override {
     return ((iid == __uuidof(Interfaces)) || ...) ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP GetClassInfo(ITypeInfo** info) override {
+    if (info == nullptr) return E_POINTER;
+    *info = nullptr;
+    return Guard(className_, [&] { *info = LoadClassInfo(Wide(className_)).Detach(); });
   }
   STDMETHODIMP_(void*) CoreOf(const void* tag) override {
     return tag == &coreTag<Core> ? &core() : nullptr;

@@ -72,6 +72,20 @@ ObjectArgument<vardel::CCardData> In(::_CCardData** card) {
 }
 ObjectArgument<vardel::ICardFrame> In(IDispatch** frame) { return {ReadFrame(frame)}; }
 
+/// What a host's format object makes of a card.
+vardel::CardDataStruct Encoded(::_CCardFormatInfo* format, ::_CCardData* card) {
+  const auto encoder = ComPtr<IUnknown>::Share(&RequireObject(format)).As<::_CCardFormatInfo>();
+  if (!encoder) throw HostFault(Fault::TypeMismatch);
+  // A call by reference may put another object in the place of its argument.
+  ::_CCardData* argument = ComPtr<::_CCardData>::Share(card).Detach();
+  CardDataStruct record{};
+  SetErrorInfo(0, nullptr);
+  const HRESULT status = encoder->MakeCardData(&argument, &record);
+  ComPtr<::_CCardData>::Adopt(argument);
+  if (FAILED(status)) ThrowFailure(status, L"The format object failed");
+  return In(&record);
+}
+
 // --- what a host gets of the library's results ---
 
 void Assign(BSTR* out, std::string_view text) { *out = NewBstr(text); }
@@ -199,6 +213,11 @@ ComPtr<::_CError> ErrorOf(Core& holder);
 #define CPP_PUT_RECORD(n, name)                               \
   STDMETHODIMP put_##name(CardDataStruct* value) override {   \
     return this->Call([&] { this->core().name(In(value)); }); \
+  }
+#define CPP_FRAME_ENCODER(n, name)                                                  \
+  STDMETHODIMP name(::_CCardFormatInfo* format, ::_CCardData* card) override {      \
+    const auto keep = this->Keep();                                                 \
+    return this->Call([&] { this->core().CardDataStruct(Encoded(format, card)); }); \
   }
 #define CPP_RECORD(n, name)                                    \
   STDMETHODIMP put_##name(CardDataStruct* value) override {    \

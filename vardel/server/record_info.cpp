@@ -1,8 +1,11 @@
-#include <vardel/core/card_data_struct.h>
 #include <vardel/server/record_info.h>
 #include <vardel/server/type_table.h>
 
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
 #include <cstring>
+#include <mutex>
 #include <stdexcept>
 
 namespace vardel::server {
@@ -23,18 +26,31 @@ HRESULT GetBytes(const void* record, VARIANT* value) {
 }
 
 HRESULT PutBytes(void* record, const VARIANT* value) {
-  if (value == nullptr || value->vt != (VT_ARRAY | VT_UI1) || value->parray == nullptr ||
-      SafeArrayGetDim(value->parray) != 1 || value->parray->rgsabound[0].cElements != kSize) {
-    return DISP_E_TYPEMISMATCH;
-  }
-  std::memcpy(record, value->parray->pvData, kSize);
+  const VARIANT* const array = value == nullptr ? nullptr : ValueOf(*value);
+  if (array == nullptr) return DISP_E_TYPEMISMATCH;
+  const auto bytes = ElementsOf<std::uint8_t>(*array, VT_UI1);
+  if (!bytes || bytes->size() != kSize) return DISP_E_TYPEMISMATCH;
+  std::ranges::copy(*bytes, static_cast<std::uint8_t*>(record));
   return S_OK;
 }
+
+ComPtr<IRecordInfo> SystemInfo();
 
 class RecordInfo final : public ComObject<IRecordInfo> {
  public:
   explicit RecordInfo(const GUID& guid) : guid_(guid) {}
 
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    // Another apartment has to get the system's own description, so this goes there as that does.
+    if (iid == IID_IMarshal && object != nullptr) {
+      try {
+        if (const auto info = SystemInfo()) return info->QueryInterface(iid, object);
+      } catch (const std::exception&) {
+        return E_OUTOFMEMORY;
+      }
+    }
+    return ComObject::QueryInterface(iid, object);
+  }
   STDMETHODIMP RecordInit(PVOID record) override { return RecordClear(record); }
   STDMETHODIMP RecordClear(PVOID record) override {
     if (record == nullptr) return E_INVALIDARG;
@@ -62,14 +78,7 @@ class RecordInfo final : public ComObject<IRecordInfo> {
     return S_OK;
   }
   STDMETHODIMP GetTypeInfo(ITypeInfo** info) override {
-    if (info == nullptr) return E_INVALIDARG;
-    try {
-      *info = LoadTypeInfo(guid_).Detach();
-      return S_OK;
-    } catch (const std::exception&) {
-      *info = nullptr;
-      return TYPE_E_CANTLOADLIBRARY;
-    }
+    return info == nullptr ? E_INVALIDARG : GiveTypeInfo(guid_, info);
   }
   STDMETHODIMP GetField(PVOID record, LPCOLESTR name, VARIANT* value) override {
     if (record == nullptr || name == nullptr || value == nullptr) return E_INVALIDARG;
@@ -118,7 +127,7 @@ class RecordInfo final : public ComObject<IRecordInfo> {
 };
 
 /// The record's GUID, as the type library has it.
-GUID RecordGuid() {
+GUID FindRecordGuid() {
   ComPtr<ITypeInfo> info;
   MEMBERID member = MEMBERID_NIL;
   USHORT count = 1;
@@ -133,11 +142,102 @@ GUID RecordGuid() {
   return guid;
 }
 
+const GUID& RecordGuid() {
+  static const GUID guid = FindRecordGuid();
+  return guid;
+}
+
+/// The system's own description; empty where it has none.
+ComPtr<IRecordInfo> SystemInfo() {
+  ComPtr<IRecordInfo> info;
+  GetRecordInfoFromTypeInfo(LoadTypeInfo(RecordGuid()).get(), info.out());
+  return info;
+}
+
+/// Whether the bytes of a record are in a copy too.
+bool CopiesBytes(IRecordInfo& info) {
+  ULONG size = 0;
+  if (FAILED(info.GetSize(&size)) || size != kSize) return false;
+  void* copy = nullptr;
+  CardDataStruct record;
+  record.Bytes.fill(0xA5);
+  if (FAILED(info.RecordCreateCopy(record.Bytes.data(), &copy)) || copy == nullptr) return false;
+  const bool isCopied = std::memcmp(copy, record.Bytes.data(), kSize) == 0;
+  info.RecordDestroy(copy);
+  return isCopied;
+}
+
+std::mutex making;
+/// The system's description, where it is used.
+std::atomic<IRecordInfo*> kept{nullptr};
+
 }  // namespace
 
 ComPtr<IRecordInfo> CardRecordInfo() {
-  static const GUID guid = RecordGuid();
-  return ComPtr<IRecordInfo>::Adopt(new RecordInfo(guid));
+  if (IRecordInfo* const info = kept) return ComPtr<IRecordInfo>::Share(info);
+  static const bool isSystems = [] {
+    const auto info = SystemInfo();
+    return info && CopiesBytes(*info.get());
+  }();
+  if (!isSystems) return ComPtr<IRecordInfo>::Adopt(new RecordInfo(RecordGuid()));
+  const std::lock_guard lock(making);
+  if (kept == nullptr) kept = SystemInfo().Detach();
+  return ComPtr<IRecordInfo>::Share(kept);
+}
+
+void DropRecordInfo() {
+  const std::lock_guard lock(making);
+  IRecordInfo* const info = kept.exchange(nullptr);
+  if (info == nullptr) return;
+  // A call from now on finds nothing above, and waits; one before that is seen as a use.
+  if (IsModuleInUse()) {
+    kept = info;
+  } else {
+    info->Release();
+  }
+}
+
+NewRecord::NewRecord() : info_(CardRecordInfo()), bytes_(info_->RecordCreate()) {
+  if (bytes_ == nullptr) throw std::bad_alloc();
+}
+
+NewRecord::~NewRecord() {
+  if (bytes_ != nullptr) info_->RecordDestroy(bytes_);
+}
+
+void NewRecord::HandTo(VARIANT& value) {
+  value.vt = VT_RECORD;
+  value.pvRecord = std::exchange(bytes_, nullptr);
+  value.pRecInfo = info_.Detach();
+}
+
+HRESULT ConvertToRecord(const VARIANT& source, vardel::CardDataStruct& record) {
+  if (const auto bytes = ElementsOf<std::uint8_t>(source, VT_UI1)) {
+    if (bytes->size() != kSize) return DISP_E_TYPEMISMATCH;
+    std::ranges::copy(*bytes, record.Bytes.begin());
+    return S_OK;
+  }
+  if (const auto values = ElementsOf<VARIANT>(source, VT_VARIANT)) {
+    if (values->size() != kSize) return DISP_E_TYPEMISMATCH;
+    for (std::size_t i = 0; i < kSize; ++i) {
+      const VARIANT* const value = ValueOf((*values)[i]);
+      Variant byte;
+      const HRESULT status =
+          value == nullptr ? DISP_E_TYPEMISMATCH : ChangeType(byte, *value, VT_UI1);
+      if (FAILED(status)) return status;
+      record.Bytes[i] = byte.bVal;
+    }
+    return S_OK;
+  }
+  GUID guid{};
+  ULONG size = 0;
+  if ((source.vt & ~VT_BYREF) != VT_RECORD || source.pRecInfo == nullptr ||
+      source.pvRecord == nullptr || FAILED(source.pRecInfo->GetGuid(&guid)) ||
+      guid != RecordGuid() || FAILED(source.pRecInfo->GetSize(&size)) || size != kSize) {
+    return DISP_E_TYPEMISMATCH;
+  }
+  std::memcpy(record.Bytes.data(), source.pvRecord, kSize);
+  return S_OK;
 }
 
 }  // namespace vardel::server

@@ -16,11 +16,39 @@ HRESULT Report(HRESULT status, std::wstring description, std::wstring source) {
   return status;
 }
 
+std::wstring TakeText(BSTR text, const wchar_t* otherwise) {
+  const std::wstring result = text == nullptr ? L"" : std::wstring(text, SysStringLen(text));
+  SysFreeString(text);
+  return result.empty() ? otherwise : result;
+}
+
 HRESULT ReportFault(HRESULT status, const char* description, const char* className) {
   return Report(status, Wide(description), L"Vardel." + Wide(className));
 }
 
 }  // namespace
+
+void ThrowFailure(HRESULT status, const wchar_t* otherwise) {
+  ComPtr<IErrorInfo> info;
+  BSTR description = nullptr;
+  BSTR source = nullptr;
+  if (GetErrorInfo(0, info.out()) == S_OK) {
+    info->GetDescription(&description);
+    info->GetSource(&source);
+  }
+  std::wstring text = TakeText(description, otherwise);
+  throw Failure(status, std::move(text), TakeText(source, L""));
+}
+
+void ThrowFailure(EXCEPINFO& exception, const wchar_t* otherwise) {
+  if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
+  // Either may be the number; a host that gives none still fails.
+  HRESULT status = exception.wCode != 0 ? StatusOfFault(exception.wCode) : E_FAIL;
+  if (FAILED(exception.scode)) status = exception.scode;
+  SysFreeString(exception.bstrHelpFile);
+  std::wstring text = TakeText(exception.bstrDescription, otherwise);
+  throw Failure(status, std::move(text), TakeText(exception.bstrSource, L""));
+}
 
 HRESULT ReportException(const char* className) noexcept {
   try {
@@ -28,7 +56,7 @@ HRESULT ReportException(const char* className) noexcept {
       throw;
     } catch (const HostFault& fault) {
       return ReportFault(StatusOfFault(static_cast<int>(fault.Number())), fault.what(), className);
-    } catch (const FrameFailure& failure) {
+    } catch (const Failure& failure) {
       return Report(failure.status, failure.description,
                     failure.source.empty() ? L"Vardel." + Wide(className) : failure.source);
     } catch (const std::bad_alloc&) {

@@ -7,17 +7,24 @@
 
 namespace vardel::server {
 
-/// A failure inside a host's own frame object, on its way through the core to the caller.
-class FrameFailure : public std::exception {
+/// A failure that has a status and a description of its own, such as that of a host's frame object,
+/// on its way through the core to the caller.
+class Failure : public std::exception {
  public:
-  FrameFailure(HRESULT itsStatus, std::wstring itsDescription, std::wstring itsSource)
+  Failure(HRESULT itsStatus, std::wstring itsDescription, std::wstring itsSource)
       : status(itsStatus), description(std::move(itsDescription)), source(std::move(itsSource)) {}
-  const char* what() const noexcept override { return "failure in a frame object"; }
+  const char* what() const noexcept override { return "failure in a host's object"; }
 
   HRESULT status;
-  std::wstring description;  // "" where the frame gives none
-  std::wstring source;
+  std::wstring description;
+  std::wstring source;  // "" for the class that was called
 };
+
+/// Throws the failure of a host's object, with this thread's error information or, where there is
+/// none, the given description.
+[[noreturn]] void ThrowFailure(HRESULT status, const wchar_t* otherwise);
+/// The same for what a late-bound call raised, which it takes over.
+[[noreturn]] void ThrowFailure(EXCEPINFO& exception, const wchar_t* otherwise);
 
 /// The status of a host fault: 0x800A0000 + its number.
 constexpr HRESULT StatusOfFault(int number) {

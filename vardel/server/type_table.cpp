@@ -1,6 +1,7 @@
 #include <vardel/server/type_table.h>
 
 #include <algorithm>
+#include <mutex>
 #include <stdexcept>
 
 namespace vardel::server {
@@ -10,8 +11,9 @@ void Require(HRESULT status) {
   if (FAILED(status)) throw std::runtime_error("the type library cannot be read");
 }
 
-/// Loaded once: where several threads load and drop a library at the same time, a platform may find
-/// one that is just going (Wine 8 does).
+/// Loaded and dropped by one thread at a time: a platform may find a library that is just going
+/// (Wine 8 does).
+std::mutex loading;
 ITypeLib* keptLibrary = nullptr;
 
 /// The attributes of a type, given back at the end.
@@ -101,15 +103,15 @@ Member Describe(ITypeInfo* info, const FUNCDESC& function) {
 }  // namespace
 
 ComPtr<ITypeLib> LoadTypeLibrary() {
-  // One thread loads it; a failure is thrown and leaves the next call to try again.
-  static ITypeLib* const library = [] {
+  const std::lock_guard lock(loading);
+  if (keptLibrary == nullptr) {
     Require(LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &keptLibrary));
-    return keptLibrary;
-  }();
-  return ComPtr<ITypeLib>::Share(library);
+  }
+  return ComPtr<ITypeLib>::Share(keptLibrary);
 }
 
 void DropTypeLibrary() {
+  const std::lock_guard lock(loading);
   if (ITypeLib* const library = std::exchange(keptLibrary, nullptr)) library->Release();
 }
 
@@ -117,6 +119,32 @@ ComPtr<ITypeInfo> LoadTypeInfo(REFGUID guid) {
   ComPtr<ITypeInfo> info;
   Require(LoadTypeLibrary()->GetTypeInfoOfGuid(guid, info.out()));
   return info;
+}
+
+HRESULT GiveTypeInfo(REFGUID guid, ITypeInfo** info) noexcept {
+  *info = nullptr;
+  try {
+    *info = LoadTypeInfo(guid).Detach();
+    return S_OK;
+  } catch (const std::exception&) {
+    return TYPE_E_CANTLOADLIBRARY;
+  }
+}
+
+ComPtr<ITypeInfo> LoadClassInfo(std::wstring_view name) {
+  const auto library = LoadTypeLibrary();
+  TYPEKIND kind{};
+  for (UINT i = 0; SUCCEEDED(library->GetTypeInfoType(i, &kind)); ++i) {
+    if (kind != TKIND_COCLASS) continue;
+    ComPtr<ITypeInfo> info;
+    BSTR text = nullptr;
+    Require(library->GetTypeInfo(i, info.out()));
+    Require(info->GetDocumentation(MEMBERID_NIL, &text, nullptr, nullptr, nullptr));
+    const bool isIt = EqualNames(text, name);
+    SysFreeString(text);
+    if (isIt) return info;
+  }
+  throw std::runtime_error("the type library lacks a class");
 }
 
 TypeTable::TypeTable(REFIID iid) {

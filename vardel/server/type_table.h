@@ -12,10 +12,14 @@ namespace vardel::server {
 /// The embedded type library, loaded with the first call and kept. Throws std::runtime_error where
 /// it cannot be loaded.
 ComPtr<ITypeLib> LoadTypeLibrary();
-/// Lets go of it before the DLL is unloaded.
+/// Lets go of it; the next call loads it again.
 void DropTypeLibrary();
 /// A type of the library.
 ComPtr<ITypeInfo> LoadTypeInfo(REFGUID guid);
+/// The same for a caller outside; null and a status where the library cannot be loaded.
+HRESULT GiveTypeInfo(REFGUID guid, ITypeInfo** info) noexcept;
+/// A class of the library, by its name.
+ComPtr<ITypeInfo> LoadClassInfo(std::wstring_view name);
 
 /// As many parameters as a member may have.
 inline constexpr std::size_t kMaxParameters = 4;
