@@ -5,6 +5,7 @@
 #include <vardel/core/host_fault.h>
 #include <vardel/facade/card.h>
 #include <vardel/facade/card_types.h>
+#include <vardel/format/descriptor_members.h>
 
 #include <cmath>
 #include <cstdio>
@@ -375,9 +376,7 @@ constexpr Step kConversions[] = {Encode, Decode, EncodeByFacade, DecodeByFacade}
 #define VALIDATOR(id, name) [](Host& h) { h.format->name(h.in.Text()); },
 #define ENCODER(id, name) [](Host& h) { h.format->name(nullptr); },
 #define DECODER(id, name) ENCODER(id, name)
-constexpr Step kMembers[] = {
-#include <vardel/format/descriptor_members.inc>
-};
+constexpr Step kMembers[] = {DESCRIPTOR_MEMBERS()};
 
 constexpr Step kOthers[] = {
     [](Host& h) { h.Create(); },

@@ -1,5 +1,6 @@
 #include "tests/support.h"
 #include <vardel/facade/card.h>
+#include <vardel/format/descriptor_members.h>
 #include <vardel/formats/card_formats.h>
 
 #include <gtest/gtest.h>
@@ -36,8 +37,7 @@ std::string Access(CCardFormatInfo& format, const std::string* put) {
 #define ENCODER INIT
 #define DECODER INIT
 const std::map<std::string, std::string (*)(CCardFormatInfo&, const std::string*)> kMembers = {
-#include <vardel/format/descriptor_members.inc>
-};
+    DESCRIPTOR_MEMBERS()};
 
 void PutChanges(CCardFormatInfo& format, const Vector& row) {
   for (const auto& [name, value] : row.changes) kMembers.at(name)(format, &value);

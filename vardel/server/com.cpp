@@ -1,12 +1,27 @@
 #include <vardel/core/text.h>
 #include <vardel/server/com.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 
 namespace vardel::server {
 namespace {
 
-std::atomic<long> moduleUses{0};
+/// What a thread has to itself, more or less: two of very many may share one.
+constexpr std::size_t kUnit = 64;  // bytes of a cache line
+struct alignas(kUnit) Place {
+  std::atomic<long> uses;
+  std::array<std::atomic<void*>, 4> free;  // memory of 1 to 4 units
+};
+std::array<Place, 64> places;
+
+/// Where memory of a size waits for its next use; null for sizes that do not wait.
+std::atomic<void*>* WaitingPlace(std::size_t size) {
+  auto& free = places[PlaceOfThread()].free;
+  const std::size_t units = (size - 1) / kUnit;
+  return units < free.size() ? &free[units] : nullptr;
+}
 
 constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
@@ -49,8 +64,15 @@ const VARIANT* ValueOf(const VARIANT& variant) {
 }
 
 std::string Utf8(std::wstring_view text) {
-  std::string utf8;
-  utf8.reserve(text.size());
+  std::string utf8(text.size(), '\0');
+  unsigned seen = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    seen |= text[i];
+    utf8[i] = static_cast<char>(text[i]);
+  }
+  if (seen < 0x80) return utf8;
+
+  utf8.clear();
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t character = text[i];
     if (IsHighSurrogate(character) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
@@ -85,15 +107,44 @@ std::wstring Wide(std::string_view text) {
 }
 
 BSTR NewBstr(std::string_view text) {
+  if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    BSTR result = SysAllocStringLen(nullptr, static_cast<UINT>(text.size()));
+    if (result == nullptr) throw std::bad_alloc();
+    std::ranges::copy(text, result);
+    return result;
+  }
   const std::wstring wide = Wide(text);
   BSTR result = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
   if (result == nullptr) throw std::bad_alloc();
   return result;
 }
 
-void AddModuleUse() { ++moduleUses; }
-void ReleaseModuleUse() { --moduleUses; }
-bool IsModuleInUse() { return moduleUses != 0; }
+unsigned PlaceOfThread() {
+  return GetCurrentThreadId() / 4 % places.size();  // thread numbers are multiples of 4
+}
+void AddModuleUse(unsigned place) { ++places[place].uses; }
+void ReleaseModuleUse(unsigned place) { --places[place].uses; }
+bool IsModuleInUse() {
+  return std::ranges::any_of(places, [](const Place& place) { return place.uses != 0; });
+}
+
+void* TakeMemory(std::size_t size) {
+  std::atomic<void*>* const waiting = WaitingPlace(size);
+  if (waiting == nullptr) return ::operator new(size);
+  void* const memory = waiting->exchange(nullptr);
+  return memory != nullptr ? memory : ::operator new((size + kUnit - 1) / kUnit * kUnit);
+}
+
+void GiveBackMemory(void* memory, std::size_t size) noexcept {
+  std::atomic<void*>* const waiting = WaitingPlace(size);
+  ::operator delete(waiting == nullptr ? memory : waiting->exchange(memory));
+}
+
+void DropMemory() noexcept {
+  for (Place& place : places) {
+    for (auto& waiting : place.free) ::operator delete(waiting.exchange(nullptr));
+  }
+}
 
 std::wstring ModulePath() {
   std::wstring path(MAX_PATH, L'\0');

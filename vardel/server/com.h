@@ -10,12 +10,14 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstddef>
 #include <new>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 namespace vardel::server {
@@ -29,6 +31,9 @@ class ComPtr {
     if (pointer_ != nullptr) pointer_->AddRef();
   }
   ComPtr(ComPtr&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
+  template <class Derived>
+  requires std::is_convertible_v<Derived*, Interface*> ComPtr(ComPtr<Derived> other)
+      : pointer_(other.Detach()) {}
   ComPtr& operator=(ComPtr other) noexcept {
     std::swap(pointer_, other.pointer_);
     return *this;
@@ -72,10 +77,12 @@ class ComPtr {
 
 /// A VARIANT that clears itself.
 struct Variant : VARIANT {
-  Variant() : VARIANT{} {}
+  Variant() : VARIANT{} { vt = VT_EMPTY; }
   Variant(const Variant&) = delete;
   Variant& operator=(const Variant&) = delete;
-  ~Variant() { VariantClear(this); }
+  ~Variant() {
+    if (vt != VT_EMPTY) VariantClear(this);
+  }
 };
 
 /// Converts a value. Numbers and texts convert alike wherever a host runs: as in US English,
@@ -105,10 +112,20 @@ std::string Utf8(BSTR text);
 BSTR NewBstr(std::string_view text);
 std::wstring Wide(std::string_view text);
 
-/// Counts what keeps the DLL loaded: objects, locks, records in hosts' variables.
-void AddModuleUse();
-void ReleaseModuleUse();
+/// Counts what keeps the DLL loaded: objects, locks, records in hosts' variables. Each thread
+/// counts in a place of its own, so that none waits for another, and what was counted in a place
+/// leaves it there: a use that lasts is seen, whatever else comes and goes meanwhile.
+unsigned PlaceOfThread();
+void AddModuleUse(unsigned place);
+void ReleaseModuleUse(unsigned place);
 bool IsModuleInUse();
+
+/// Memory of objects. Most live for a call or two: what a thread gives back waits for the thread's
+/// next object of about that size, without the process's heap and its lock.
+void* TakeMemory(std::size_t size);
+void GiveBackMemory(void* memory, std::size_t size) noexcept;
+/// Lets go of what waits, before the DLL is unloaded.
+void DropMemory() noexcept;
 
 /// An interface with those of its members that every object implements alike.
 template <class Interface>
@@ -121,10 +138,14 @@ class ComObject : public Implementation<Interfaces>... {
  public:
   using Default = std::tuple_element_t<0, std::tuple<Interfaces...>>;
 
-  ComObject() { AddModuleUse(); }
+  ComObject() { AddModuleUse(place_); }
   ComObject(const ComObject&) = delete;
   ComObject& operator=(const ComObject&) = delete;
-  virtual ~ComObject() { ReleaseModuleUse(); }
+  virtual ~ComObject() { ReleaseModuleUse(place_); }
+
+  // NOLINTNEXTLINE(misc-new-delete-overloads): the delete that knows the size is its match
+  static void* operator new(std::size_t size) { return TakeMemory(size); }
+  static void operator delete(void* memory, std::size_t size) { GiveBackMemory(memory, size); }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -147,6 +168,7 @@ class ComObject : public Implementation<Interfaces>... {
 
  private:
   std::atomic<ULONG> references_{1};
+  const unsigned place_ = PlaceOfThread();
 };
 
 extern HINSTANCE moduleInstance;

@@ -3,9 +3,11 @@
 #include <vardel/server/record_info.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <optional>
-#include <vector>
 
 namespace vardel::server {
 namespace {
@@ -14,14 +16,58 @@ bool IsOmitted(const VARIANT& argument) {
   return argument.vt == VT_ERROR && argument.scode == DISP_E_PARAMNOTFOUND;
 }
 
-/// An argument as the vtable takes it, and what it needs until the call is over.
-struct Argument {
-  Variant value;  // by value, or what `passed` points to
-  vardel::CardDataStruct record;
-  VARIANT passed{};
+/// What lies in a register or a place of the stack; on x86 a double takes two.
+using Word = std::uintptr_t;
+
+/// The arguments of a call in the order of the vtable.
+class Words {
+ public:
+  void Add(void* pointer) { words_[count_++] = reinterpret_cast<Word>(pointer); }
+  void AddValue(const VARIANT& value, VARTYPE type) {
+    const std::size_t count = type == VT_R8 ? sizeof(double) / sizeof(Word) : 1;
+    std::memcpy(&words_[count_], &value.llVal, count * sizeof(Word));
+    count_ += count;
+  }
+
+  /// Calls an entry of an object's vtable; it takes just these words.
+  HRESULT Call(void* object, std::size_t vtableOffset) const {
+    return kCalls[count_](Entry(object, vtableOffset), object, words_.data());
+  }
+  /// The same with one word, which is a double.
+  HRESULT CallWithDouble(void* object, std::size_t vtableOffset) const {
+    double value = 0;
+    std::memcpy(&value, words_.data(), sizeof(value));
+    using Function = HRESULT(STDMETHODCALLTYPE*)(void*, double);
+    return reinterpret_cast<Function>(Entry(object, vtableOffset))(object, value);
+  }
+
+ private:
+  template <std::size_t>
+  using WordAt = Word;
+  template <std::size_t... kPlaces>
+  static HRESULT CallWith(void* entry, void* object, const Word* words) {
+    using Function = HRESULT(STDMETHODCALLTYPE*)(void*, WordAt<kPlaces>...);
+    return reinterpret_cast<Function>(entry)(object, words[kPlaces]...);
+  }
+  static void* Entry(void* object, std::size_t vtableOffset) {
+    return (*static_cast<void***>(object))[vtableOffset / sizeof(void*)];
+  }
+  static constexpr HRESULT (*kCalls[])(void* entry, void* object, const Word* words) = {
+      CallWith<>,        CallWith<0>,          CallWith<0, 1>,
+      CallWith<0, 1, 2>, CallWith<0, 1, 2, 3>, CallWith<0, 1, 2, 3, 4>};
+
+  std::array<Word, kMaxParameters + 1> words_;  // a result's place comes last
+  std::size_t count_ = 0;
 };
 
-HRESULT ConvertObject(const VARIANT& source, const Parameter& parameter, Variant& value) {
+/// What an argument needs until the call is over.
+struct Argument {
+  VARIANT value{};  // the host's own, or what `owned` holds
+  Variant owned;
+  vardel::CardDataStruct record;
+};
+
+HRESULT ConvertObject(const VARIANT& source, const Parameter& parameter, Argument& argument) {
   IUnknown* object = nullptr;
   switch (source.vt) {
     case VT_NULL:
@@ -37,55 +83,59 @@ HRESULT ConvertObject(const VARIANT& source, const Parameter& parameter, Variant
     default:
       return DISP_E_TYPEMISMATCH;
   }
-  value.vt = VT_DISPATCH;
-  value.pdispVal = nullptr;
-  if (object == nullptr) return S_OK;
-  const HRESULT status =
-      object->QueryInterface(parameter.guid, reinterpret_cast<void**>(&value.pdispVal));
-  return SUCCEEDED(status) ? S_OK : DISP_E_TYPEMISMATCH;
+  argument.value.punkVal = object;
+  const bool isAlreadyRight =
+      (source.vt & ~VT_BYREF) == VT_DISPATCH && parameter.guid == IID_IDispatch;
+  if (object == nullptr || isAlreadyRight) return S_OK;
+  IDispatch*& owned = argument.owned.pdispVal;
+  if (FAILED(object->QueryInterface(parameter.guid, reinterpret_cast<void**>(&owned)))) {
+    return DISP_E_TYPEMISMATCH;
+  }
+  argument.owned.vt = VT_DISPATCH;
+  argument.value.pdispVal = owned;
+  return S_OK;
 }
 
-HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argument) {
+/// Adds an argument to the words of the call.
+HRESULT Convert(const VARIANT& given, const Parameter& parameter, Argument& argument,
+                Words& words) {
   const VARIANT* const unwrapped = ValueOf(given);
   if (unwrapped == nullptr) return DISP_E_TYPEMISMATCH;
   const VARIANT& source = *unwrapped;
   if (IsOmitted(source)) {
     if (!parameter.isOptional) return DISP_E_PARAMNOTOPTIONAL;
-    argument.passed.vt = VT_BYREF | VT_UI1;
-    argument.passed.byref = nullptr;
+    words.Add(nullptr);
     return S_OK;
   }
   if (parameter.type == VT_RECORD) {
-    argument.passed.vt = VT_BYREF | VT_UI1;
-    argument.passed.byref = argument.record.Bytes.data();
+    words.Add(&argument.record);
     return ConvertToRecord(source, argument.record);
   }
 
-  const HRESULT status = parameter.type == VT_DISPATCH
-                             ? ConvertObject(source, parameter, argument.value)
-                             : ChangeType(argument.value, source, parameter.type);
-  if (FAILED(status)) return status;
-  if (parameter.isByRef) {
-    argument.passed.vt = static_cast<VARTYPE>(VT_BYREF | parameter.type);
-    argument.passed.byref = &argument.value.llVal;
+  HRESULT status = S_OK;
+  if (parameter.type == VT_DISPATCH) {
+    status = ConvertObject(source, parameter, argument);
+  } else if (source.vt == parameter.type) {
+    argument.value = source;
   } else {
-    argument.passed = argument.value;
+    status = ChangeType(argument.owned, source, parameter.type);
+    argument.value = argument.owned;
   }
-  return S_OK;
+  if (parameter.isByRef) {
+    words.Add(&argument.value.llVal);
+  } else {
+    words.AddValue(argument.value, parameter.type);
+  }
+  return status;
 }
 
-/// Which kind of member the flags ask for; a host that only says "put" may mean either.
-bool Matches(INVOKEKIND kind, WORD flags) {
-  if ((kind & flags) != 0) return true;
-  return kind == INVOKE_PROPERTYPUTREF && (flags & DISPATCH_PROPERTYPUT) != 0;
-}
+using OrderedArguments = std::array<const VARIANT*, kMaxParameters>;
 
 /// The arguments in the order of the parameters; null for an omitted one. They come last first,
 /// named ones before all others.
-HRESULT Order(const DISPPARAMS& params, const Member& member, std::vector<const VARIANT*>& ordered,
+HRESULT Order(const DISPPARAMS& params, const Member& member, OrderedArguments& ordered,
               UINT* argumentError) {
   const std::size_t count = member.parameters.size();
-  ordered.assign(count, nullptr);
   if (params.cArgs > count || params.cNamedArgs > params.cArgs) return DISP_E_BADPARAMCOUNT;
   if ((params.rgvarg == nullptr && params.cArgs > 0) ||
       (params.rgdispidNamedArgs == nullptr && params.cNamedArgs > 0)) {
@@ -111,17 +161,18 @@ HRESULT Order(const DISPPARAMS& params, const Member& member, std::vector<const 
 
 HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAMS& params,
              VARIANT* result, EXCEPINFO* exception, UINT* argumentError) {
-  std::vector<const VARIANT*> given;
+  OrderedArguments given{};
   if (const HRESULT status = Order(params, member, given, argumentError); FAILED(status)) {
     return status;
   }
   Variant omitted;
   omitted.vt = VT_ERROR;
   omitted.scode = DISP_E_PARAMNOTFOUND;
-  std::vector<Argument> arguments(given.size());
-  for (std::size_t i = 0; i < given.size(); ++i) {
+  std::array<Argument, kMaxParameters> arguments;
+  Words words;
+  for (std::size_t i = 0; i < member.parameters.size(); ++i) {
     const VARIANT* const source = given[i] == nullptr ? &omitted : given[i];
-    const HRESULT status = Convert(*source, member.parameters[i], arguments[i]);
+    const HRESULT status = Convert(*source, member.parameters[i], arguments[i], words);
     if (FAILED(status) && argumentError != nullptr && given[i] != nullptr) {
       *argumentError = static_cast<UINT>(given[i] - params.rgvarg);
     }
@@ -130,36 +181,21 @@ HRESULT Call(const DispatchTarget& target, const Member& member, const DISPPARAM
     if (FAILED(status)) return status;
   }
 
-  std::vector<VARTYPE> types;
-  std::vector<VARIANTARG*> passed;
-  for (Argument& argument : arguments) {
-    types.push_back(argument.passed.vt);
-    passed.push_back(&argument.passed);
-  }
   Variant answer;
-  VARIANT answerPointer{};
   std::optional<NewRecord> record;
   if (member.result.type == VT_RECORD) {
-    answerPointer.vt = VT_BYREF | VT_UI1;
-    answerPointer.byref = record.emplace().bytes();
+    words.Add(record.emplace().bytes());
+  } else if (member.result.type == VT_VARIANT) {
+    words.Add(&answer);
   } else if (member.result.type != VT_EMPTY) {
-    const bool isVariant = member.result.type == VT_VARIANT;
-    answerPointer.vt = static_cast<VARTYPE>(VT_BYREF | member.result.type);
-    answerPointer.byref = isVariant ? static_cast<void*>(&answer) : &answer.llVal;
-    answer.llVal = 0;
-  }
-  if (member.result.type != VT_EMPTY) {
-    types.push_back(answerPointer.vt);
-    passed.push_back(&answerPointer);
+    words.Add(&answer.llVal);
   }
 
   SetErrorInfo(0, nullptr);
-  VARIANT returned{};
-  const HRESULT called =
-      DispCallFunc(target.object, member.vtableOffset, CC_STDCALL, VT_I4,
-                   static_cast<UINT>(passed.size()), types.data(), passed.data(), &returned);
-  if (FAILED(called)) return called;
-  if (FAILED(returned.lVal)) return RaiseException(returned.lVal, exception);
+  const HRESULT status = member.takesDouble
+                             ? words.CallWithDouble(target.object, member.vtableOffset)
+                             : words.Call(target.object, member.vtableOffset);
+  if (FAILED(status)) return RaiseException(status, exception);
   if (record) {
     if (result != nullptr) record->HandTo(*result);
     return S_OK;
@@ -219,11 +255,8 @@ HRESULT Invoke(std::span<const DispatchTarget> targets, DISPID id, REFIID riid, 
   if (riid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (params == nullptr) return E_POINTER;
   for (const DispatchTarget& target : targets) {
-    const auto& members = target.table.members();
-    const auto found = std::ranges::find_if(
-        members, [&](const Member& m) { return m.id == id && Matches(m.kind, flags); });
-    if (found != members.end()) {
-      return Call(target, *found, *params, result, exception, argumentError);
+    if (const Member* const member = target.table.Find(id, flags)) {
+      return Call(target, *member, *params, result, exception, argumentError);
     }
   }
   return DISP_E_MEMBERNOTFOUND;

@@ -14,36 +14,9 @@ HINSTANCE moduleInstance = nullptr;
 
 namespace {
 
-struct ClassId {
-  const CLSID& id;
-  const char* name;
-};
-
-const ClassId kClasses[] = {
-    {CLSID_CError, "CError"},
-    {CLSID_CCardData, "CCardData"},
-    {CLSID_CCardByteData, "CCardByteData"},
-    {CLSID_CByteArrayData, "CByteArrayData"},
-    {CLSID_CCardFormatInfo, "CCardFormatInfo"},
-    {CLSID_CCardFormatEM, "CCardFormatEM"},
-    {CLSID_CCardFormatHIDStandard, "CCardFormatHIDStandard"},
-    {CLSID_CCardFormatBinary26, "CCardFormatBinary26"},
-    {CLSID_CCardFormat37Bits, "CCardFormat37Bits"},
-    {CLSID_CCardFormatHIDCorp1000, "CCardFormatHIDCorp1000"},
-    {CLSID_CCardFormat34Bits, "CCardFormat34Bits"},
-    {CLSID_CCardFormatUID32BIts, "CCardFormatUID32BIts"},
-    {CLSID_CCardFormatLG, "CCardFormatLG"},
-    {CLSID_CCardFormatWoori, "CCardFormatWoori"},
-    {CLSID_CCardFormatDongSeo, "CCardFormatDongSeo"},
-    {CLSID_CCard, "CCard"},
-    {CLSID_CCardType, "CCardType"},
-    {CLSID_CCardTypes, "CCardTypes"},
-    {CLSID_CCardFrame, "CCardFrame"},
-};
-
 class ClassFactory final : public ComObject<IClassFactory> {
  public:
-  explicit ClassFactory(const char* className) : className_(className) {}
+  explicit ClassFactory(const Class& made) : made_(made) {}
 
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
     if (object == nullptr) return E_POINTER;
@@ -51,16 +24,17 @@ class ClassFactory final : public ComObject<IClassFactory> {
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
     HRESULT status = E_NOINTERFACE;
     const HRESULT guarded =
-        Guard(className_, [&] { status = CreateObject(className_)->QueryInterface(iid, object); });
+        Guard(made_.name, [&] { status = made_.create(made_.name)->QueryInterface(iid, object); });
     return FAILED(guarded) ? guarded : status;
   }
   STDMETHODIMP LockServer(BOOL lock) override {
-    lock != FALSE ? AddModuleUse() : ReleaseModuleUse();
+    constexpr unsigned kPlace = 0;  // of all locks, on whatever thread
+    lock != FALSE ? AddModuleUse(kPlace) : ReleaseModuleUse(kPlace);
     return S_OK;
   }
 
  private:
-  const char* className_;
+  const Class& made_;
 };
 
 }  // namespace
@@ -76,13 +50,13 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
 STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, LPVOID* object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
-  for (const ClassId& row : kClasses) {
-    if (row.id != classId) continue;
-    auto* const factory = new (std::nothrow) ClassFactory(row.name);
-    if (factory == nullptr) return E_OUTOFMEMORY;
-    return ComPtr<IClassFactory>::Adopt(factory)->QueryInterface(iid, object);
-  }
-  return CLASS_E_CLASSNOTAVAILABLE;
+  const Class* const found = FindClass(classId);
+  if (found == nullptr) return CLASS_E_CLASSNOTAVAILABLE;
+  HRESULT status = E_NOINTERFACE;
+  const HRESULT guarded = Guard(found->name, [&] {
+    status = ComPtr<IClassFactory>::Adopt(new ClassFactory(*found))->QueryInterface(iid, object);
+  });
+  return FAILED(guarded) ? guarded : status;
 }
 
 STDAPI DllCanUnloadNow() {
@@ -90,6 +64,7 @@ STDAPI DllCanUnloadNow() {
   // Here, where no lock of the loader's is held yet.
   DropRecordInfo();
   DropTypeLibrary();
+  DropMemory();
   return IsModuleInUse() ? S_FALSE : S_OK;
 }
 

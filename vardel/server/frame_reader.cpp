@@ -150,12 +150,12 @@ class InterfaceFrame final : public VariantFrame {
 
 std::shared_ptr<vardel::ICardFrame> ReadFrame(IDispatch** object) {
   if (object == nullptr || *object == nullptr) return nullptr;
-  const auto shared = ComPtr<IDispatch>::Share(*object);
-  if (const auto native = shared.As<INativeObject>()) {
-    if (const void* const core = native->CoreOf(&coreTag<vardel::CCardFrame>)) {
-      return *static_cast<const std::shared_ptr<vardel::CCardFrame>*>(core);
-    }
+  ComPtr<INativeObject> native;
+  (*object)->QueryInterface(__uuidof(INativeObject), reinterpret_cast<void**>(native.out()));
+  if (void* const core = native ? native->CoreOf(&coreTag<vardel::CCardFrame>) : nullptr) {
+    return {std::shared_ptr<void>(), static_cast<vardel::CCardFrame*>(core)};
   }
+  const auto shared = ComPtr<IDispatch>::Share(*object);
   if (auto typed = shared.As<::ICardFrame>()) {
     return std::make_shared<InterfaceFrame>(std::move(typed));
   }

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <vardel/core/card_byte_data.h>
-#include <vardel/core/card_data.h>
-#include <vardel/core/error.h>
 #include <vardel/core/host_fault.h>
-#include <vardel/facade/card_type.h>
-#include <vardel/format/card_format_info.h>
 #include <vardel/server/dispatch.h>
 #include <vardel/server/foreign_objects.h>
 #include <vardel/server/status.h>
@@ -13,13 +8,12 @@
 #include <ocidl.h>
 #include <vardel_idl.h>
 
-#include <algorithm>
 #include <array>
 #include <concepts>
-#include <cstdint>
 #include <memory>
-#include <string_view>
+#include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace vardel::server {
 
@@ -31,8 +25,8 @@ inline const char coreTag = 0;
 /// How our objects know each other.
 MIDL_INTERFACE("7e5c0300-93ad-4c1f-8b26-d04fa1e37c58")
 INativeObject : public IUnknown {
-  /// The object's std::shared_ptr to its core object when that is of the tagged type, else null.
-  STDMETHOD_(const void*, CoreOf)(const void* tag) = 0;
+  /// The object's core object when that is of the tagged type, else null.
+  STDMETHOD_(void*, CoreOf)(const void* tag) = 0;
 };
 
 }  // namespace vardel::server
@@ -41,64 +35,70 @@ __CRT_UUID_DECL(vardel::server::INativeObject, 0x7e5c0300, 0x93ad, 0x4c1f, 0x8b,
 
 namespace vardel::server {
 
-/// The automation objects of core objects, as long as any client holds them.
-class ObjectMap {
- public:
-  static void Add(const void* core, IUnknown* object);
-  static void Remove(const void* core);
-  /// With a reference of its own; empty when there is none.
-  static ComPtr<IUnknown> Find(const void* core);
-};
-
-/// The core object of a host's argument: null stays null, an object without the interface is fault
-/// 13.
+/// The core object of a host's argument, for as long as the host holds the argument: null stays
+/// null, an object without the interface is fault 13.
 template <class Core, class Interface>
 std::shared_ptr<Core> FromHost(Interface* object) {
   if (object == nullptr) return nullptr;
-  const auto shared = ComPtr<IUnknown>::Share(object);
-  const auto native = shared.template As<INativeObject>();
-  const void* const core = native ? native->CoreOf(&coreTag<Core>) : nullptr;
-  if (core != nullptr) return *static_cast<const std::shared_ptr<Core>*>(core);
+  ComPtr<INativeObject> native;
+  object->QueryInterface(__uuidof(INativeObject), reinterpret_cast<void**>(native.out()));
+  if (void* const core = native ? native->CoreOf(&coreTag<Core>) : nullptr) {
+    return {std::shared_ptr<Core>(), static_cast<Core*>(core)};
+  }
   // Careless hosts cast what has another interface.
-  const auto foreign = shared.template As<Interface>();
+  const auto foreign = ComPtr<IUnknown>::Share(object).template As<Interface>();
   if (!foreign) throw HostFault(Fault::TypeMismatch);
   return FromElsewhere(*foreign.get());
 }
-/// The same for an argument by reference, whose reference may be null as well.
+
+/// As what a core object's last share is given back to: keeps the automation object.
+struct Keeper {
+  ComPtr<IUnknown> object;
+  void operator()(const void* /*core*/) { object = {}; }
+};
+
+/// The same to keep: a share in the core object keeps its automation object, too, so that whoever
+/// has the one finds the other.
 template <class Core, class Interface>
-std::shared_ptr<Core> FromHost(Interface** object) {
-  return object == nullptr ? nullptr : FromHost<Core>(*object);
+std::shared_ptr<Core> ShareOfHost(Interface* object) {
+  const auto core = FromHost<Core>(object);
+  if (core == nullptr) return nullptr;
+  return std::shared_ptr<Core>(core.get(), Keeper{ComPtr<IUnknown>::Share(object)});
 }
 
-// The automation object of a core object: the live one, or a new one.
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CError> core);
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardData> core);
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardByteData> core);
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardType> core);
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardFormatInfo> core);
+/// The automation objects of core objects that others give out again and again, each for as long as
+/// this: the same core object is always the same automation object.
+template <class Interface>
+class KeptObjects {
+ public:
+  /// The object of a core object, which `make` makes where there is none. One that is nobody else's
+  /// is new, and is not kept.
+  template <class Core, class Make>
+  ComPtr<Interface> Of(const std::shared_ptr<Core>& core, Make&& make) {
+    if (core == nullptr) return {};
+    if (const auto* const keeper = std::get_deleter<Keeper>(core)) {
+      return keeper->object.template As<Interface>();
+    }
+    for (const auto& [known, object] : kept_) {
+      if (known == core.get()) return object;
+    }
+    const bool isShared = core.use_count() > 1;
+    ComPtr<Interface> object = make(core);
+    if (isShared) kept_.emplace_back(core.get(), object);
+    return object;
+  }
 
-// --- results ---
+ private:
+  std::vector<std::pair<const void*, ComPtr<Interface>>> kept_;
+};
 
-inline void Assign(BSTR* out, std::string_view text) { *out = NewBstr(text); }
-inline void Assign(LONG* out, std::int32_t value) { *out = value; }
-inline void Assign(SHORT* out, std::int16_t value) { *out = value; }
-inline void Assign(VARIANT_BOOL* out, bool value) { *out = value ? VARIANT_TRUE : VARIANT_FALSE; }
-inline void Assign(unsigned char* out, std::uint8_t value) { *out = value; }
-inline void Assign(double* out, double value) { *out = value; }
-inline void Assign(::CardType* out, std::int32_t value) { *out = static_cast<::CardType>(value); }
-inline void Assign(::CardDataStruct* out, const vardel::CardDataStruct& record) {
-  std::ranges::copy(record.Bytes, out->Bytes);
+template <class Core>
+Core& CoreIn(Core& own) {
+  return own;
 }
-/// An object, as an interface that it has; null for null.
-template <class Interface, class Core>
-void Assign(Interface** out, const std::shared_ptr<Core>& core) {
-  if (core != nullptr) *out = ObjectOf(core).template As<Interface>().Detach();
-}
-
-inline vardel::CardDataStruct Record(const ::CardDataStruct& record) {
-  vardel::CardDataStruct result;
-  std::ranges::copy(record.Bytes, result.Bytes.begin());
-  return result;
+template <class Core>
+Core& CoreIn(std::shared_ptr<Core>& shared) {
+  return *shared;
 }
 
 /// A dual interface describes itself, whichever of an object's it is.
@@ -113,7 +113,8 @@ class Implementation<Interface> : public Interface {
 };
 
 /// An automation object: reference count, interfaces, late-bound calls, and the boundary around
-/// every member. It has no state but its core object. The first interface is the default one.
+/// every member. Its core object is a part of it, or a std::shared_ptr where others hold that too.
+/// The first interface is the default one.
 template <class CoreType, class... Interfaces>
 class Object
     : public ComObject<Interfaces..., ISupportErrorInfo, IProvideClassInfo, INativeObject> {
@@ -121,14 +122,12 @@ class Object
   using Base::Unknown;
 
  public:
-  using Core = CoreType;
+  using Core = std::remove_reference_t<decltype(CoreIn(std::declval<CoreType&>()))>;
+  using CoreHolder = CoreType;
   using typename Base::Default;
 
-  Object(const char* className, std::shared_ptr<Core> core)
-      : className_(className), core_(std::move(core)) {
-    ObjectMap::Add(core_.get(), Unknown());
-  }
-  ~Object() override { ObjectMap::Remove(core_.get()); }
+  template <class Make>
+  Object(const char* className, Make&& make) : className_(className), core_(make()) {}
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     return Base::QueryInterface(iid == IID_IDispatch ? __uuidof(Default) : iid, object);
@@ -148,7 +147,7 @@ class Object
   }
   STDMETHODIMP Invoke(DISPID id, REFIID riid, LCID /*locale*/, WORD flags, DISPPARAMS* params,
                       VARIANT* result, EXCEPINFO* exception, UINT* argumentError) override {
-    const auto keep = ComPtr<IUnknown>::Share(Unknown());
+    const auto keep = Keep();
     HRESULT status = S_OK;
     const HRESULT guarded = Guard(className_, [&] {
       status = server::Invoke(Targets(), id, riid, flags, params, result, exception, argumentError);
@@ -164,32 +163,26 @@ class Object
     *info = nullptr;
     return Guard(className_, [&] { *info = LoadClassInfo(Wide(className_)).Detach(); });
   }
-  STDMETHODIMP_(const void*) CoreOf(const void* tag) override {
-    return tag == &coreTag<Core> ? &core_ : nullptr;
+  STDMETHODIMP_(void*) CoreOf(const void* tag) override {
+    return tag == &coreTag<Core> ? &core() : nullptr;
   }
 
  protected:
-  Core& core() const { return *core_; }
-  const char* className() const { return className_; }
+  Core& core() { return CoreIn(core_); }
 
-  /// Runs a member. The object outlives it, whatever a host's frame does meanwhile.
+  /// For a member that gets a host's objects: whatever these do meanwhile, the object outlives it.
+  ComPtr<IUnknown> Keep() { return ComPtr<IUnknown>::Share(Unknown()); }
+
+  /// Runs a member.
   template <class F>
   HRESULT Call(F&& call) {
-    const auto keep = ComPtr<IUnknown>::Share(Unknown());
     return Guard(className_, call);
   }
   /// Runs a member with a result, which is cleared first.
   template <class T, class F>
-  HRESULT Get(T* out, F&& result) {
+  HRESULT Get(T* out, F&& call) {
     if (out == nullptr) return E_POINTER;
     *out = T();
-    return Call([&] { Assign(out, result()); });
-  }
-  /// Runs a member whose result is an empty variant.
-  template <class F>
-  HRESULT GetEmpty(VARIANT* out, F&& call) {
-    if (out == nullptr) return E_POINTER;
-    VariantInit(out);
     return Call(call);
   }
 
@@ -204,7 +197,7 @@ class Object
   }
 
   const char* className_;
-  std::shared_ptr<Core> core_;
+  CoreType core_;
 };
 
 }  // namespace vardel::server

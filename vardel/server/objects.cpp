@@ -1,502 +1,512 @@
+// The automation classes: what each adds to its core class, and the table of them all. Their
+// members come from the lists that the IDL has them from.
+
 #include <vardel/core/byte_array_data.h>
+#include <vardel/core/card_byte_data.h>
+#include <vardel/core/card_data.h>
 #include <vardel/core/card_frame.h>
 #include <vardel/facade/card.h>
 #include <vardel/facade/card_types.h>
-#include <vardel/server/format_objects.h>
+#include <vardel/format/descriptor_members.h>
+#include <vardel/formats/card_formats.h>
+#include <vardel/server/class_members.h>
 #include <vardel/server/frame_reader.h>
 #include <vardel/server/object.h>
 #include <vardel/server/objects.h>
 
 #include <algorithm>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace vardel::server {
+
+// In the lists of members these are the automation types.
+using ::CardDataStruct;
+using ::CardType;
+
 namespace {
 
-/// The members of a class with a contained CError.
-template <class Base>
-class WithError : public Base {
- public:
-  using Base::Base;
+/// A new object around the core object that `make` makes.
+template <class ObjectClass, class Make>
+ComPtr<typename ObjectClass::Default> New(Make&& make, const char* className = ObjectClass::kName) {
+  return ComPtr<typename ObjectClass::Default>::Adopt(new ObjectClass(className, make));
+}
 
-  STDMETHODIMP put_ErrName(BSTR value) override {
-    return this->Call([&] { this->core().ErrName(Utf8(value)); });
-  }
-  STDMETHODIMP get_ErrName(BSTR* value) override {
-    return this->Get(value, [&] { return this->core().ErrName(); });
-  }
-  STDMETHODIMP put_ErrNumber(LONG value) override {
-    return this->Call([&] { this->core().ErrNumber(value); });
-  }
-  STDMETHODIMP get_ErrNumber(LONG* value) override {
-    return this->Get(value, [&] { return this->core().ErrNumber(); });
-  }
-  STDMETHODIMP putref_Error(::_CError* value) override {
-    return this->Call([&] { this->core().Error(FromHost<vardel::CError>(value)); });
-  }
-  STDMETHODIMP get_Error(::_CError** value) override {
-    return this->Get(value, [&] { return this->core().Error(); });
-  }
-  STDMETHODIMP InitErr() override {
-    return this->Call([&] { this->core().InitErr(); });
-  }
-  STDMETHODIMP MakeErr(LONG code, BSTR message) override {
-    return this->Call([&] { this->core().MakeErr(code, Utf8(message)); });
-  }
-};
+// --- what the library takes of a host's arguments ---
 
-/// The error pair of a class that keeps it as plain fields.
-template <class Base>
-class WithErrorFields : public Base {
- public:
-  using Base::Base;
+/// A value as the type of the library's member.
+template <class Member>
+std::remove_cvref_t<Member> As(auto value) {
+  return static_cast<std::remove_cvref_t<Member>>(value);
+}
+template <class Member>
+std::string As(BSTR value) {
+  return Utf8(value);
+}
 
-  STDMETHODIMP put_ErrName(BSTR value) override {
-    return this->Call([&] { this->core().ErrName = Utf8(value); });
-  }
-  STDMETHODIMP get_ErrName(BSTR* value) override {
-    return this->Get(value, [&] { return this->core().ErrName; });
-  }
-  STDMETHODIMP put_ErrNumber(LONG value) override {
-    return this->Call([&] { this->core().ErrNumber = value; });
-  }
-  STDMETHODIMP get_ErrNumber(LONG* value) override {
-    return this->Get(value, [&] { return this->core().ErrNumber; });
-  }
-};
-
-class ErrorObject final : public WithErrorFields<Object<vardel::CError, ::_CError>> {
- public:
-  using WithErrorFields::WithErrorFields;
-
-  STDMETHODIMP InitErr() override {
-    return Call([&] { core().InitErr(); });
-  }
-  STDMETHODIMP MakeErr(LONG code, BSTR message) override {
-    return Call([&] { core().MakeErr(code, Utf8(message)); });
-  }
-};
-
-class CardDataObject final : public WithErrorFields<Object<vardel::CCardData, ::_CCardData>> {
- public:
-  using WithErrorFields::WithErrorFields;
-
-  STDMETHODIMP put_CardType(::CardType value) override {
-    return Call([&] { core().CardType = value; });
-  }
-  STDMETHODIMP get_CardType(::CardType* value) override {
-    return Get(value, [&] { return core().CardType; });
-  }
-  STDMETHODIMP put_CardSubType(unsigned char value) override {
-    return Call([&] { core().CardSubType = value; });
-  }
-  STDMETHODIMP get_CardSubType(unsigned char* value) override {
-    return Get(value, [&] { return core().CardSubType; });
-  }
-  STDMETHODIMP put_Facility(BSTR value) override {
-    return Call([&] { core().Facility = Utf8(value); });
-  }
-  STDMETHODIMP get_Facility(BSTR* value) override {
-    return Get(value, [&] { return core().Facility; });
-  }
-  STDMETHODIMP put_CardID(BSTR value) override {
-    return Call([&] { core().CardID = Utf8(value); });
-  }
-  STDMETHODIMP get_CardID(BSTR* value) override {
-    return Get(value, [&] { return core().CardID; });
-  }
-  STDMETHODIMP put_Revision(BSTR value) override {
-    return Call([&] { core().Revision = Utf8(value); });
-  }
-  STDMETHODIMP get_Revision(BSTR* value) override {
-    return Get(value, [&] { return core().Revision; });
-  }
-};
-
-class CardByteDataObject final : public WithError<Object<vardel::CCardByteData, ::_CCardByteData>> {
- public:
-  using WithError::WithError;
-
-  STDMETHODIMP InitCardData(::CardType* type, VARIANT* result) override {
-    return GetEmpty(result, [&] {
-      core().InitCardData(type == nullptr ? 0 : static_cast<std::int32_t>(*type));
-    });
-  }
-  STDMETHODIMP put_CardType(::CardType value) override {
-    return Call([&] { core().CardType(value); });
-  }
-  STDMETHODIMP get_CardType(::CardType* value) override {
-    return Get(value, [&] { return core().CardType(); });
-  }
-  STDMETHODIMP put_CardSubType(unsigned char value) override {
-    return Call([&] { core().CardSubType(value); });
-  }
-  STDMETHODIMP get_CardSubType(unsigned char* value) override {
-    return Get(value, [&] { return core().CardSubType(); });
-  }
-  STDMETHODIMP get_CardDataByteCount(LONG* value) override {
-    return Get(value, [&] { return core().CardDataByteCount(); });
-  }
-  STDMETHODIMP put_CardArrDataByIndex(LONG index, unsigned char value) override {
-    return Call([&] { core().CardArrDataByIndex(index, value); });
-  }
-  STDMETHODIMP get_CardArrDataByIndex(LONG index, unsigned char* value) override {
-    return Get(value, [&] { return core().CardArrDataByIndex(index); });
-  }
-  STDMETHODIMP put_CardDataStruct(::CardDataStruct* value) override {
-    return Call([&] { core().CardDataStruct = Record(RequireObject(value)); });
-  }
-  STDMETHODIMP get_CardDataStruct(::CardDataStruct* value) override {
-    return Get(value, [&] { return core().CardDataStruct; });
-  }
-};
-
-class ByteArrayDataObject final
-    : public WithError<Object<vardel::CByteArrayData, ::_CByteArrayData>> {
- public:
-  using WithError::WithError;
-
-  STDMETHODIMP InitData() override {
-    return Call([&] { core().InitData(); });
-  }
-  STDMETHODIMP put_ByteCount(LONG value) override {
-    return Call([&] { core().ByteCount(value); });
-  }
-  STDMETHODIMP get_ByteCount(LONG* value) override {
-    return Get(value, [&] { return core().ByteCount(); });
-  }
-  STDMETHODIMP get_HexCharCount(LONG* value) override {
-    return Get(value, [&] { return core().HexCharCount(); });
-  }
-  STDMETHODIMP get_LastArrayIndex(LONG* value) override {
-    return Get(value, [&] { return core().LastArrayIndex(); });
-  }
-  STDMETHODIMP put_ByteOR(LONG value) override {
-    return Call([&] { core().ByteOR(value); });
-  }
-  STDMETHODIMP get_ByteOR(LONG* value) override {
-    return Get(value, [&] { return core().ByteOR(); });
-  }
-  STDMETHODIMP put_ByteAND(LONG value) override {
-    return Call([&] { core().ByteAND(value); });
-  }
-  STDMETHODIMP get_ByteAND(LONG* value) override {
-    return Get(value, [&] { return core().ByteAND(); });
-  }
-  STDMETHODIMP put_HexString(BSTR value) override {
-    return Call([&] { core().HexString = Utf8(value); });
-  }
-  STDMETHODIMP get_HexString(BSTR* value) override {
-    return Get(value, [&] { return core().HexString; });
-  }
-  STDMETHODIMP put_ChrString(BSTR value) override {
-    return Call([&] { core().ChrString = Utf8(value); });
-  }
-  STDMETHODIMP get_ChrString(BSTR* value) override {
-    return Get(value, [&] { return core().ChrString; });
-  }
-  STDMETHODIMP get_IsAvailable(VARIANT_BOOL* value) override {
-    return Get(value, [&] { return core().IsAvailable(); });
-  }
-};
-
-/// The bytes of a frame as a new byte array.
-VARIANT ByteArrayVariant(std::span<const std::uint8_t> bytes) {
-  SAFEARRAY* const array = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
-  if (array == nullptr) throw std::bad_alloc();
-  std::ranges::copy(bytes, static_cast<std::uint8_t*>(array->pvData));
-  VARIANT value{};
-  value.vt = VT_ARRAY | VT_UI1;
-  value.parray = array;
+template <class Value>
+requires std::is_arithmetic_v<Value> || std::is_enum_v<Value> Value In(Value value) {
   return value;
 }
+std::string In(BSTR text) { return Utf8(text); }
+std::shared_ptr<vardel::CCardType> In(::_CCardType* entry) {
+  return ShareOfHost<vardel::CCardType>(entry);
+}
+vardel::CardDataStruct In(CardDataStruct* record) {
+  vardel::CardDataStruct result;
+  std::ranges::copy(RequireObject(record).Bytes, result.Bytes.begin());
+  return result;
+}
+
+/// An argument by reference, whose reference may be null as well.
+template <class Core>
+struct ObjectArgument {
+  std::shared_ptr<Core> object;
+  operator const Core*() const { return object.get(); }
+};
+ObjectArgument<vardel::CCardData> In(::_CCardData** card) {
+  return {card == nullptr ? nullptr : FromHost<vardel::CCardData>(*card)};
+}
+ObjectArgument<vardel::ICardFrame> In(IDispatch** frame) { return {ReadFrame(frame)}; }
+
+/// What a host's format object makes of a card.
+vardel::CardDataStruct Encoded(::_CCardFormatInfo* format, ::_CCardData* card) {
+  const auto encoder = ComPtr<IUnknown>::Share(&RequireObject(format)).As<::_CCardFormatInfo>();
+  if (!encoder) throw HostFault(Fault::TypeMismatch);
+  // A call by reference may put another object in the place of its argument.
+  ::_CCardData* argument = ComPtr<::_CCardData>::Share(card).Detach();
+  CardDataStruct record{};
+  SetErrorInfo(0, nullptr);
+  const HRESULT status = encoder->MakeCardData(&argument, &record);
+  ComPtr<::_CCardData>::Adopt(argument);
+  if (FAILED(status)) ThrowFailure(status, L"The format object failed");
+  return In(&record);
+}
+
+// --- what a host gets of the library's results ---
+
+void Assign(BSTR* out, std::string_view text) { *out = NewBstr(text); }
+void Assign(LONG* out, std::int32_t value) { *out = value; }
+void Assign(SHORT* out, std::int16_t value) { *out = value; }
+void Assign(VARIANT_BOOL* out, bool value) { *out = value ? VARIANT_TRUE : VARIANT_FALSE; }
+void Assign(unsigned char* out, std::uint8_t value) { *out = value; }
+void Assign(double* out, double value) { *out = value; }
+void Assign(CardType* out, std::int32_t value) { *out = static_cast<CardType>(value); }
+void Assign(CardDataStruct* out, const vardel::CardDataStruct& record) {
+  std::ranges::copy(record.Bytes, out->Bytes);
+}
+
+/// An array of what `assign` makes of each item.
+template <class Element, class Items, class Put>
+void AssignArray(VARIANT* out, VARTYPE type, const Items& items, Put assign) {
+  Variant array;
+  array.parray = SafeArrayCreateVector(type, 0, static_cast<ULONG>(items.size()));
+  if (array.parray == nullptr) throw std::bad_alloc();
+  array.vt = static_cast<VARTYPE>(VT_ARRAY | type);
+  auto* element = static_cast<Element*>(array.parray->pvData);
+  for (const auto& item : items) assign(item, *element++);
+  *out = std::exchange(static_cast<VARIANT&>(array), {});
+}
+void Assign(VARIANT* out, vardel::RawBytes bytes) {
+  AssignArray<std::uint8_t>(out, VT_UI1, *bytes,
+                            [](std::uint8_t byte, std::uint8_t& element) { element = byte; });
+}
+void Assign(VARIANT* out, const std::vector<std::string>& texts) {
+  AssignArray<VARIANT>(out, VT_VARIANT, texts, [](const std::string& text, VARIANT& element) {
+    element.bstrVal = NewBstr(text);
+    element.vt = VT_BSTR;
+  });
+}
+
+class CardDataObject;
+class CardByteDataObject;
+
+/// Gives what `make` makes, new objects in their place.
+template <class Out, class Make>
+void Give(Out* out, Make&& make) {
+  using Result = std::invoke_result_t<Make>;
+  if constexpr (std::is_same_v<Result, vardel::CCardData>) {
+    *out = New<CardDataObject>(make).Detach();
+  } else if constexpr (std::is_same_v<Result, vardel::CCardByteData>) {
+    *out = New<CardByteDataObject>(make).Detach();
+  } else if constexpr (std::is_same_v<Result, std::optional<vardel::CCardData>>) {
+    if (Result card = make()) Give(out, [&] { return *std::move(card); });
+  } else {
+    Assign(out, make());
+  }
+}
+
+template <class Core>
+ComPtr<::_CError> ErrorOf(Core& holder);
+
+// --- the kinds of members in the lists ---
+
+// NOLINTBEGIN(bugprone-macro-parentheses): types, which take none
+// Gives what an expression on the core object results in; CPP_KEEP where a host's objects may be
+// among the arguments.
+#define CPP_GIVE(out, expression)                                                              \
+  {                                                                                            \
+    return this->Get(                                                                          \
+        out, [&] { Give(out, [&]() -> decltype(auto) { return this->core().expression; }); }); \
+  }
+#define CPP_KEEP(out, expression)   \
+  {                                 \
+    const auto keep = this->Keep(); \
+    CPP_GIVE(out, expression)       \
+  }
+
+#define CPP_PUT(n, name, type)                                         \
+  STDMETHODIMP put_##name(type value) override {                       \
+    using Member = decltype(this->core().name);                        \
+    return this->Call([&] { this->core().name = As<Member>(value); }); \
+  }
+#define CPP_GET(n, name, type) STDMETHODIMP get_##name(type* value) override CPP_GIVE(value, name)
+#define CPP_FIELD(n, name, type) CPP_PUT(n, name, type) CPP_GET(n, name, type)
+#define CPP_ACCESSOR(n, name, type)                                   \
+  STDMETHODIMP put_##name(type value) override {                      \
+    using Member = decltype(this->core().name());                     \
+    return this->Call([&] { this->core().name(As<Member>(value)); }); \
+  }                                                                   \
+  CPP_READONLY(n, name, type)
+#define CPP_READONLY(n, name, type) \
+  STDMETHODIMP get_##name(type* value) override CPP_GIVE(value, name())
+#define CPP_GET1(n, name, T1, N1, type) \
+  STDMETHODIMP get_##name(T1 a, type* value) override CPP_GIVE(value, name(In(a)))
+#define CPP_GET2(n, name, T1, N1, T2, N2, type) \
+  STDMETHODIMP get_##name(T1 a, T2 b, type* value) override CPP_GIVE(value, name(In(a), In(b)))
+#define CPP_INDEXED(n, name, T1, N1, type)                           \
+  STDMETHODIMP put_##name(T1 a, type value) override {               \
+    return this->Call([&] { this->core().name(In(a), In(value)); }); \
+  }                                                                  \
+  CPP_GET1(n, name, T1, N1, type)
+#define CPP_ACTION(n, name)                          \
+  STDMETHODIMP name() override {                     \
+    return this->Call([&] { this->core().name(); }); \
+  }
+#define CPP_ACTION2(n, name, T1, N1, T2, N2)                     \
+  STDMETHODIMP name(T1 a, T2 b) override {                       \
+    return this->Call([&] { this->core().name(In(a), In(b)); }); \
+  }
+#define CPP_METHOD1(n, name, T1, N1, type) \
+  STDMETHODIMP name(T1 a, type* result) override CPP_KEEP(result, name(In(a)))
+#define CPP_METHOD2(n, name, T1, N1, T2, N2, type) \
+  STDMETHODIMP name(T1 a, T2 b, type* result) override CPP_KEEP(result, name(In(a), In(b)))
+#define CPP_METHOD3(n, name, T1, N1, T2, N2, T3, N3, type)                    \
+  STDMETHODIMP name(T1 a, T2 b, T3 c, type* result) override CPP_KEEP(result, \
+                                                                      name(In(a), In(b), In(c)))
+#define CPP_INIT(n, name)                                   \
+  STDMETHODIMP name(VARIANT* result) override {             \
+    return this->Get(result, [&] { this->core().name(); }); \
+  }
+#define CPP_INIT_TYPE(n, name)                                                              \
+  STDMETHODIMP name(CardType* type, VARIANT* result) override {                             \
+    return this->Get(result,                                                                \
+                     [&] { this->core().name(type == nullptr ? ::CARD_UNKNOWN : *type); }); \
+  }
+#define CPP_VALIDATOR(n, name) CPP_METHOD1(n, name, BSTR, InData, VARIANT_BOOL)
+#define CPP_CONVERSION(n, name, T1, N1, type) CPP_METHOD1(n, name, T1, N1, type)
+#define CPP_ENCODER(n, name) CPP_METHOD1(n, name, ::_CCardData**, CardData, CardDataStruct)
+#define CPP_DECODER(n, name) CPP_METHOD1(n, name, IDispatch**, UserInfo, ::_CCardData*)
+#define CPP_PUT_RECORD(n, name)                               \
+  STDMETHODIMP put_##name(CardDataStruct* value) override {   \
+    return this->Call([&] { this->core().name(In(value)); }); \
+  }
+#define CPP_FRAME_ENCODER(n, name)                                                  \
+  STDMETHODIMP name(::_CCardFormatInfo* format, ::_CCardData* card) override {      \
+    const auto keep = this->Keep();                                                 \
+    return this->Call([&] { this->core().CardDataStruct(Encoded(format, card)); }); \
+  }
+#define CPP_RECORD(n, name)                                    \
+  STDMETHODIMP put_##name(CardDataStruct* value) override {    \
+    return this->Call([&] { this->core().name = In(value); }); \
+  }                                                            \
+  CPP_GET(n, name, CardDataStruct)
+#define CPP_ERROR_OBJECT(n, name)                                                      \
+  STDMETHODIMP putref_##name(::_CError* value) override {                              \
+    const auto keep = this->Keep();                                                    \
+    return this->Call([&] { this->core().name(ShareOfHost<vardel::CError>(value)); }); \
+  }                                                                                    \
+  STDMETHODIMP get_##name(::_CError** value) override {                                \
+    return this->Get(value, [&] { *value = ErrorOf(this->core()).Detach(); });         \
+  }
+// NOLINTEND(bugprone-macro-parentheses)
+
+// --- the classes ---
+
+class ErrorObject final : public Object<vardel::CError, ::_CError> {
+ public:
+  static constexpr char kName[] = "CError";
+  using Object::Object;
+  ERROR_MEMBERS(CPP_)
+};
+
+class CardDataObject final : public Object<vardel::CCardData, ::_CCardData> {
+ public:
+  static constexpr char kName[] = "CCardData";
+  using Object::Object;
+  CARD_DATA_MEMBERS(CPP_)
+};
+
+class CardByteDataObject final : public Object<vardel::CCardByteData, ::_CCardByteData> {
+ public:
+  static constexpr char kName[] = "CCardByteData";
+  using Object::Object;
+  CARD_BYTE_DATA_MEMBERS(CPP_)
+};
+
+class ByteArrayDataObject final : public Object<vardel::CByteArrayData, ::_CByteArrayData> {
+ public:
+  static constexpr char kName[] = "CByteArrayData";
+  using Object::Object;
+  BYTE_ARRAY_DATA_MEMBERS(CPP_)
+};
 
 class CardFrameObject final : public Object<vardel::CCardFrame, ::_CCardFrame, ::ICardFrame> {
  public:
+  static constexpr char kName[] = "CCardFrame";
   using Object::Object;
-
-  STDMETHODIMP put_FrameCardType(LONG value) override {
-    return Call([&] { core().FrameCardType(value); });
-  }
-  STDMETHODIMP get_FrameCardType(LONG* value) override {
-    return Get(value, [&] { return core().FrameCardType(); });
-  }
-  STDMETHODIMP put_FrameCardSubType(LONG value) override {
-    return Call([&] { core().FrameCardSubType(value); });
-  }
-  STDMETHODIMP get_FrameCardSubType(LONG* value) override {
-    return Get(value, [&] { return core().FrameCardSubType(); });
-  }
-  STDMETHODIMP put_IsEMFrame(VARIANT_BOOL value) override {
-    return Call([&] { core().IsEMFrame(value != VARIANT_FALSE); });
-  }
-  STDMETHODIMP get_IsEMFrame(VARIANT_BOOL* value) override {
-    return Get(value, [&] { return core().IsEMFrame(); });
-  }
-  STDMETHODIMP get_RawCardBytes(VARIANT* value) override {
-    return GetEmpty(value, [&] { *value = ByteArrayVariant(*core().RawCardBytes()); });
-  }
-  STDMETHODIMP put_RawCardHex(BSTR value) override {
-    return Call([&] { core().RawCardHex(Utf8(value)); });
-  }
-  STDMETHODIMP get_RawCardHex(BSTR* value) override {
-    return Get(value, [&] { return core().RawCardHex(); });
-  }
-  STDMETHODIMP put_CardDataStruct(::CardDataStruct* value) override {
-    return Call([&] { core().CardDataStruct(Record(RequireObject(value))); });
-  }
-  STDMETHODIMP MakeCardData(::_CCardFormatInfo* format, ::_CCardData* card) override {
-    return Call([&] {
-      const auto encoder = ComPtr<IUnknown>::Share(&RequireObject(format)).As<::_CCardFormatInfo>();
-      if (!encoder) throw HostFault(Fault::TypeMismatch);
-      // A call by reference may put another object in the place of its argument.
-      ::_CCardData* argument = ComPtr<::_CCardData>::Share(card).Detach();
-      ::CardDataStruct record{};
-      SetErrorInfo(0, nullptr);
-      const HRESULT status = encoder->MakeCardData(&argument, &record);
-      ComPtr<::_CCardData>::Adopt(argument);
-      if (FAILED(status)) ThrowFailure(status, L"The format object failed");
-      core().CardDataStruct(Record(record));
-    });
-  }
+  CARD_FRAME_MEMBERS(CPP_)
 };
 
-class CardObject final : public WithErrorFields<Object<vardel::CCard, ::_CCard>> {
+class CardTypeObject final : public Object<std::shared_ptr<vardel::CCardType>, ::_CCardType> {
  public:
-  using WithErrorFields::WithErrorFields;
-
-  STDMETHODIMP CardFormat(LONG type, LONG subType, ::_CCardFormatInfo** result) override {
-    return Get(result, [&] { return core().CardFormat(type, subType); });
-  }
-  STDMETHODIMP CardFormatByCode(LONG code, ::_CCardFormatInfo** result) override {
-    return Get(result, [&] { return core().CardFormatByCode(code); });
-  }
-  STDMETHODIMP get_IsExisted(LONG type, LONG subType, VARIANT_BOOL* value) override {
-    return Get(value, [&] { return core().IsExisted(type, subType); });
-  }
-  STDMETHODIMP get_CardTypeCount(SHORT* value) override {
-    return Get(value, [&] { return core().CardTypeCount(); });
-  }
-  STDMETHODIMP IsCardMainType(::CardType type, VARIANT_BOOL* result) override {
-    return Get(result, [&] { return core().IsCardMainType(type); });
-  }
-  STDMETHODIMP IsCardType(::CardType type, LONG subType, VARIANT_BOOL* result) override {
-    return Get(result, [&] { return core().IsCardType(type, subType); });
-  }
-  STDMETHODIMP IsSmartCardData(BSTR data, VARIANT_BOOL* result) override {
-    return Get(result, [&] { return core().IsSmartCardData(Utf8(data)); });
-  }
-  STDMETHODIMP IsSecurityCardData(BSTR data, VARIANT_BOOL* result) override {
-    return Get(result, [&] { return core().IsSecurityCardData(Utf8(data)); });
-  }
-  STDMETHODIMP MakeCardData(::_CCardData** card, ::_CCardByteData** result) override {
-    return Get(result, [&] {
-      const auto data = FromHost<vardel::CCardData>(card);
-      return std::make_shared<vardel::CCardByteData>(core().MakeCardData(data.get()));
-    });
-  }
-  STDMETHODIMP AnalyzeCardData(IDispatch** frame, ::_CCardData** result) override {
-    return Get(result, [&] {
-      const auto read = ReadFrame(frame);
-      return std::make_shared<vardel::CCardData>(core().AnalyzeCardData(read.get()));
-    });
-  }
+  static constexpr char kName[] = "CCardType";
+  using Object::Object;
+  CARD_TYPE_MEMBERS(CPP_)
 };
 
-class CardTypeObject final : public WithError<Object<vardel::CCardType, ::_CCardType>> {
- public:
-  using WithError::WithError;
+ComPtr<::_CCardFormatInfo> NewFormatObject(const std::shared_ptr<vardel::CCardFormatInfo>& format);
 
-  STDMETHODIMP initAll() override {
-    return Call([&] { core().initAll(); });
+class CardObject final : public Object<vardel::CCard, ::_CCard> {
+ public:
+  static constexpr char kName[] = "CCard";
+  using Object::Object;
+  CARD_MEMBERS(CPP_)
+
+ private:
+  template <class Out, class Make>
+  void Give(Out* out, Make&& make) {
+    if constexpr (std::is_same_v<Out, ::_CCardFormatInfo*>) {
+      *out = formats_.Of(make(), NewFormatObject).Detach();
+    } else {
+      server::Give(out, make);
+    }
   }
-  STDMETHODIMP InitData(VARIANT* result) override {
-    return GetEmpty(result, [&] { core().InitData(); });
-  }
-  STDMETHODIMP put_ShortName(BSTR value) override {
-    return Call([&] { core().ShortName = Utf8(value); });
-  }
-  STDMETHODIMP get_ShortName(BSTR* value) override {
-    return Get(value, [&] { return core().ShortName; });
-  }
-  STDMETHODIMP put_TypeName(BSTR value) override {
-    return Call([&] { core().TypeName = Utf8(value); });
-  }
-  STDMETHODIMP get_TypeName(BSTR* value) override {
-    return Get(value, [&] { return core().TypeName; });
-  }
-  STDMETHODIMP get_DefaultShortName(BSTR* value) override {
-    return Get(value, [&] { return core().DefaultShortName(); });
-  }
-  STDMETHODIMP get_DefaultName(BSTR* value) override {
-    return Get(value, [&] { return core().DefaultName(); });
-  }
-  STDMETHODIMP get_TypeCode(LONG* value) override {
-    return Get(value, [&] { return core().TypeCode(); });
-  }
-  STDMETHODIMP get_CardType(LONG* value) override {
-    return Get(value, [&] { return core().CardType(); });
-  }
-  STDMETHODIMP get_CardSubType(LONG* value) override {
-    return Get(value, [&] { return core().CardSubType(); });
-  }
-  STDMETHODIMP put_IsAvailable(VARIANT_BOOL value) override {
-    return Call([&] { core().IsAvailable = value != VARIANT_FALSE; });
-  }
-  STDMETHODIMP get_IsAvailable(VARIANT_BOOL* value) override {
-    return Get(value, [&] { return core().IsAvailable; });
-  }
+
+  KeptObjects<::_CCardFormatInfo> formats_;
 };
 
-/// A variant array of what `put` makes of each item.
-template <class Item, class Put>
-VARIANT VariantArray(const std::vector<Item>& items, Put put) {
-  SAFEARRAY* const array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(items.size()));
-  if (array == nullptr) throw std::bad_alloc();
-  VARIANT value{};
-  value.vt = VT_ARRAY | VT_VARIANT;
-  value.parray = array;
-  try {
-    auto* element = static_cast<VARIANT*>(array->pvData);
-    for (const Item& item : items) put(item, *element++);
-  } catch (...) {
-    VariantClear(&value);
-    throw;
-  }
-  return value;
-}
-
-class CardTypesObject final : public WithError<Object<vardel::CCardTypes, ::_CCardTypes>> {
+class CardTypesObject final : public Object<vardel::CCardTypes, ::_CCardTypes> {
  public:
-  using WithError::WithError;
+  static constexpr char kName[] = "CCardTypes";
+  using Object::Object;
+  CARD_TYPES_MEMBERS(CPP_)
 
-  STDMETHODIMP Add(::_CCardType* entry, LONG code, VARIANT_BOOL* result) override {
-    return Get(result, [&] { return core().Add(FromHost<vardel::CCardType>(entry), code); });
-  }
-  STDMETHODIMP get_IsExisted(LONG type, LONG subType, VARIANT_BOOL* value) override {
-    return Get(value, [&] { return core().IsExisted(type, subType); });
-  }
-  STDMETHODIMP CardTypeByCode(LONG code, ::_CCardType** result) override {
-    return Get(result, [&] { return core().CardTypeByCode(code); });
-  }
-  STDMETHODIMP get_CardTypeByType(LONG type, LONG subType, ::_CCardType** value) override {
-    return Get(value, [&] { return core().CardTypeByType(type, subType); });
-  }
-  STDMETHODIMP get_AllCardTypes(VARIANT* value) override {
-    return GetEmpty(value, [&] {
-      *value = VariantArray(core().AllCardTypes(), [](const auto& entry, VARIANT& element) {
+ private:
+  using Entry = std::shared_ptr<vardel::CCardType>;
+
+  template <class Out, class Make>
+  void Give(Out* out, Make&& make) {
+    using Result = std::invoke_result_t<Make>;
+    if constexpr (std::is_same_v<Result, Entry>) {
+      *out = ObjectOf(make()).Detach();
+    } else if constexpr (std::is_same_v<Result, std::vector<Entry>>) {
+      AssignArray<VARIANT>(out, VT_VARIANT, make(), [&](const Entry& entry, VARIANT& element) {
+        element.pdispVal = ObjectOf(entry).Detach();
         element.vt = VT_DISPATCH;
-        element.pdispVal = ObjectOf(entry).template As<IDispatch>().Detach();
       });
-    });
+    } else {
+      server::Give(out, make);
+    }
   }
-  STDMETHODIMP get_CardTypeCodes(VARIANT* value) override {
-    return GetEmpty(value, [&] {
-      *value = VariantArray(core().CardTypeCodes(), [](const auto& code, VARIANT& element) {
-        element.bstrVal = NewBstr(code);
-        element.vt = VT_BSTR;
-      });
-    });
+  ComPtr<::_CCardType> ObjectOf(const Entry& entry) {
+    return entries_.Of(entry,
+                       [](const Entry& core) { return New<CardTypeObject>([&] { return core; }); });
   }
-  STDMETHODIMP get_Count(LONG* value) override {
-    return Get(value, [&] { return core().Count(); });
-  }
-  STDMETHODIMP GetDefaultShortName(LONG type, LONG subType, BSTR* result) override {
-    return Get(result, [&] { return core().GetDefaultShortName(type, subType); });
-  }
-  STDMETHODIMP GetDefaultName(LONG type, LONG subType, BSTR* result) override {
-    return Get(result, [&] { return core().GetDefaultName(type, subType); });
-  }
-  STDMETHODIMP get_DefaultShortName(BSTR code, BSTR* value) override {
-    return Get(value, [&] { return core().DefaultShortName(Utf8(code)); });
-  }
-  STDMETHODIMP get_DefaultName(BSTR code, BSTR* value) override {
-    return Get(value, [&] { return core().DefaultName(Utf8(code)); });
-  }
-  STDMETHODIMP put_ShortName(BSTR code, BSTR value) override {
-    return Call([&] { core().ShortName(Utf8(code), Utf8(value)); });
-  }
-  STDMETHODIMP get_ShortName(BSTR code, BSTR* value) override {
-    return Get(value, [&] { return core().ShortName(Utf8(code)); });
-  }
-  STDMETHODIMP LetShortName(LONG type, LONG subType, BSTR name, LONG* result) override {
-    return Get(result, [&] { return core().LetShortName(type, subType, Utf8(name)); });
-  }
-  STDMETHODIMP GetShortName(LONG type, LONG subType, BSTR* result) override {
-    return Get(result, [&] { return core().GetShortName(type, subType); });
-  }
-  STDMETHODIMP put_CardTypeName(BSTR code, BSTR value) override {
-    return Call([&] { core().CardTypeName(Utf8(code), Utf8(value)); });
-  }
-  STDMETHODIMP get_CardTypeName(BSTR code, BSTR* value) override {
-    return Get(value, [&] { return core().CardTypeName(Utf8(code)); });
-  }
-  STDMETHODIMP LetCardTypeName(LONG type, LONG subType, BSTR name, LONG* result) override {
-    return Get(result, [&] { return core().LetCardTypeName(type, subType, Utf8(name)); });
-  }
-  STDMETHODIMP GetCardTypeName(LONG type, LONG subType, BSTR* result) override {
-    return Get(result, [&] { return core().GetCardTypeName(type, subType); });
+
+  KeptObjects<::_CCardType> entries_;
+};
+
+// --- the format classes ---
+
+using Format = std::shared_ptr<vardel::CCardFormatInfo>;
+
+template <class... Interfaces>
+class FormatObject : public Object<Format, Interfaces...> {
+ public:
+  using Object<Format, Interfaces...>::Object;
+  DESCRIPTOR_MEMBERS(CPP_)
+
+ protected:
+  bool IsRevision(BSTR data) {
+    return dynamic_cast<RevisionValidator&>(this->core()).IsRevisionValid(Utf8(data));
   }
 };
 
-/// The live object of a core object, or a new one of class `ObjectClass`.
+// Their own interfaces have the same members under prefixed names.
+// NOLINTBEGIN(bugprone-macro-parentheses): types, which take none
+#define OWN_PUT(n, name, type) \
+  STDMETHODIMP put_CCardFormatInfo_##name(type value) override { return this->put_##name(value); }
+#define OWN_GET(n, name, type) \
+  STDMETHODIMP get_CCardFormatInfo_##name(type* value) override { return this->get_##name(value); }
+// NOLINTEND(bugprone-macro-parentheses)
+#define OWN_FIELD(n, name, type) OWN_PUT(n, name, type) OWN_GET(n, name, type)
+#define OWN_ACCESSOR(n, name, type) OWN_FIELD(n, name, type)
+#define OWN_READONLY(n, name, type) OWN_GET(n, name, type)
+#define OWN_INIT(n, name) \
+  STDMETHODIMP CCardFormatInfo_##name(VARIANT* result) override { return this->name(result); }
+#define OWN_VALIDATOR(n, name)                                                    \
+  STDMETHODIMP CCardFormatInfo_##name(BSTR data, VARIANT_BOOL* result) override { \
+    return this->name(data, result);                                              \
+  }
+#define OWN_ENCODER(n, name)                                                                  \
+  STDMETHODIMP CCardFormatInfo_##name(::_CCardData** card, CardDataStruct* result) override { \
+    return this->name(card, result);                                                          \
+  }
+#define OWN_DECODER(n, name)                                                               \
+  STDMETHODIMP CCardFormatInfo_##name(IDispatch** frame, ::_CCardData** result) override { \
+    return this->name(frame, result);                                                      \
+  }
+
+/// A proximity format: all the descriptor's members.
+template <class Own>
+class ProximityObject : public FormatObject<Own, ::_CCardFormatInfo> {
+ public:
+  using FormatObject<Own, ::_CCardFormatInfo>::FormatObject;
+  DESCRIPTOR_MEMBERS(OWN_)
+};
+
+/// A smart-card format: most parameters are read-only here.
+template <class Own>
+class SmartCardObject final : public FormatObject<Own, ::_CCardFormatInfo> {
+ public:
+  using FormatObject<Own, ::_CCardFormatInfo>::FormatObject;
+  SMART_CARD_MEMBERS(OWN_)
+  OWN_ENCODER(42, MakeCardData)
+  OWN_DECODER(43, AnalyzeCardData)
+  STDMETHODIMP IsRevisionValid(BSTR data, VARIANT_BOOL* result) override {
+    return this->Get(result, [&] { Assign(result, this->IsRevision(data)); });
+  }
+};
+
+template <class Own>
+class Corp1000Object final : public ProximityObject<Own> {
+ public:
+  using ProximityObject<Own>::ProximityObject;
+
+  STDMETHODIMP get_Sidx2ndCardID(SHORT* value) override {
+    return this->Get(value, [&] { Assign(value, format().Sidx2ndCardID()); });
+  }
+  STDMETHODIMP get_Eidx2ndCardID(SHORT* value) override {
+    return this->Get(value, [&] { Assign(value, format().Eidx2ndCardID()); });
+  }
+
+ private:
+  CCardFormatHIDCorp1000& format() { return dynamic_cast<CCardFormatHIDCorp1000&>(this->core()); }
+};
+
+template <class Own>
+class Bits34Object final : public ProximityObject<Own> {
+ public:
+  using ProximityObject<Own>::ProximityObject;
+
+  STDMETHODIMP CCardFormatInfo_IsRevisionValid(BSTR data, VARIANT_BOOL* result) override {
+    return this->Get(result, [&] { Assign(result, this->IsRevision(data)); });
+  }
+};
+
+// --- the table of classes ---
+
+struct Row : Class {
+  // Of a format's class: whether a format is of it, and a new object around the format.
+  bool (*isOf)(const vardel::CCardFormatInfo& format) = nullptr;
+  ComPtr<IUnknown> (*wrap)(const Format& format, const char* className) = nullptr;
+};
+
 template <class ObjectClass>
-ComPtr<IUnknown> FindOrMake(const char* className,
-                            std::shared_ptr<typename ObjectClass::Core> core) {
-  if (auto live = ObjectMap::Find(core.get())) return live;
-  auto* const object = new ObjectClass(className, std::move(core));
-  return ComPtr<IUnknown>::Adopt(static_cast<typename ObjectClass::Default*>(object));
+constexpr Row Plain(const CLSID& id) {
+  using Core = typename ObjectClass::CoreHolder;
+  return {{ObjectClass::kName, id, [](const char*) -> ComPtr<IUnknown> {
+             return New<ObjectClass>([] {
+               if constexpr (requires { typename Core::element_type; }) {
+                 return std::make_shared<typename Core::element_type>();
+               } else {
+                 return Core();
+               }
+             });
+           }}};
 }
 
 template <class ObjectClass>
-ComPtr<IUnknown> Create(const char* className) {
-  return FindOrMake<ObjectClass>(className, std::make_shared<typename ObjectClass::Core>());
+ComPtr<IUnknown> Wrap(const Format& format, const char* className) {
+  return New<ObjectClass>([&] { return format; }, className);
 }
 
-struct PlainClass {
-  const char* name;
-  ComPtr<IUnknown> (*create)(const char* className);
+template <class Core, class ObjectClass>
+constexpr Row OfFormat(const char* name, const CLSID& id) {
+  return {{name, id,
+           [](const char* className) {
+             return Wrap<ObjectClass>(std::make_shared<Core>(), className);
+           }},
+          [](const vardel::CCardFormatInfo& format) { return typeid(format) == typeid(Core); },
+          Wrap<ObjectClass>};
+}
+
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a template, which takes none
+#define FORMAT_CLASS(name, object) OfFormat<vardel::name, object<::_##name>>(#name, CLSID_##name)
+
+constexpr Row kRows[] = {
+    Plain<ErrorObject>(CLSID_CError),
+    Plain<CardDataObject>(CLSID_CCardData),
+    Plain<CardByteDataObject>(CLSID_CCardByteData),
+    Plain<ByteArrayDataObject>(CLSID_CByteArrayData),
+    Plain<CardFrameObject>(CLSID_CCardFrame),
+    Plain<CardObject>(CLSID_CCard),
+    Plain<CardTypeObject>(CLSID_CCardType),
+    Plain<CardTypesObject>(CLSID_CCardTypes),
+    FORMAT_CLASS(CCardFormatInfo, FormatObject),
+    FORMAT_CLASS(CCardFormatEM, ProximityObject),
+    FORMAT_CLASS(CCardFormatHIDStandard, ProximityObject),
+    FORMAT_CLASS(CCardFormatBinary26, ProximityObject),
+    FORMAT_CLASS(CCardFormat37Bits, ProximityObject),
+    FORMAT_CLASS(CCardFormatHIDCorp1000, Corp1000Object),
+    FORMAT_CLASS(CCardFormat34Bits, Bits34Object),
+    FORMAT_CLASS(CCardFormatUID32BIts, SmartCardObject),
+    FORMAT_CLASS(CCardFormatLG, SmartCardObject),
+    FORMAT_CLASS(CCardFormatWoori, SmartCardObject),
+    FORMAT_CLASS(CCardFormatDongSeo, SmartCardObject),
 };
 
-constexpr PlainClass kPlainClasses[] = {
-    {"CError", Create<ErrorObject>},
-    {"CCardData", Create<CardDataObject>},
-    {"CCardByteData", Create<CardByteDataObject>},
-    {"CByteArrayData", Create<ByteArrayDataObject>},
-    {"CCardFrame", Create<CardFrameObject>},
-    {"CCard", Create<CardObject>},
-    {"CCardType", Create<CardTypeObject>},
-    {"CCardTypes", Create<CardTypesObject>},
-};
+ComPtr<::_CCardFormatInfo> NewFormatObject(const Format& format) {
+  const auto* const row = std::ranges::find_if(
+      kRows, [&](const Row& each) { return each.isOf != nullptr && each.isOf(*format); });
+  if (row == std::end(kRows)) throw std::logic_error("a format that is in no row of the classes");
+  return row->wrap(format, row->name).As<::_CCardFormatInfo>();
+}
+
+/// The object of the contained CError. One that the library made for itself gives its content to a
+/// CError that knows its automation object.
+template <class Core>
+ComPtr<::_CError> ErrorOf(Core& holder) {
+  const std::shared_ptr<vardel::CError> error = holder.Error();
+  if (error == nullptr) return {};
+  if (const auto* const keeper = std::get_deleter<Keeper>(error)) {
+    return keeper->object.template As<::_CError>();
+  }
+  auto object = New<ErrorObject>([&] { return *error; });
+  holder.Error(ShareOfHost<vardel::CError>(object.get()));
+  return object;
+}
 
 }  // namespace
 
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CError> core) {
-  return FindOrMake<ErrorObject>("CError", std::move(core));
-}
-
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardData> core) {
-  return FindOrMake<CardDataObject>("CCardData", std::move(core));
-}
-
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardByteData> core) {
-  return FindOrMake<CardByteDataObject>("CCardByteData", std::move(core));
-}
-
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardType> core) {
-  return FindOrMake<CardTypeObject>("CCardType", std::move(core));
-}
-
-ComPtr<IUnknown> ObjectOf(std::shared_ptr<vardel::CCardFormatInfo> core) {
-  if (auto live = ObjectMap::Find(core.get())) return live;
-  return NewFormatObject(std::move(core));
-}
-
-ComPtr<IUnknown> CreateObject(std::string_view className) {
-  for (const PlainClass& row : kPlainClasses) {
-    if (className == row.name) return row.create(row.name);
-  }
-  return CreateFormatObject(className);
+const Class* FindClass(REFCLSID id) {
+  const auto* const row =
+      std::ranges::find_if(kRows, [&](const Row& each) { return each.id == id; });
+  return row == std::end(kRows) ? nullptr : row;
 }
 
 }  // namespace vardel::server

@@ -2,11 +2,16 @@
 
 #include <vardel/server/com.h>
 
-#include <string_view>
-
 namespace vardel::server {
 
-/// A new object of one of the library's classes, by the class's name; empty for no such class.
-ComPtr<IUnknown> CreateObject(std::string_view className);
+/// One of the library's classes.
+struct Class {
+  const char* name;
+  const CLSID& id;
+  ComPtr<IUnknown> (*create)(const char* name);
+};
+
+/// The class of an id; null for none of ours.
+const Class* FindClass(REFCLSID id);
 
 }  // namespace vardel::server

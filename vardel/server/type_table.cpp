@@ -30,6 +30,10 @@ class Attributes {
   TYPEATTR* attributes_ = nullptr;
 };
 
+bool IsNameLess(std::wstring_view left, std::wstring_view right) {
+  return CompareNames(left, right) < 0;
+}
+
 /// The type behind any pointers; an interface's first pointer belongs to its value.
 Parameter Describe(ITypeInfo* info, const TYPEDESC& type) {
   const TYPEDESC* inner = &type;
@@ -85,8 +89,13 @@ Member Describe(ITypeInfo* info, const FUNCDESC& function) {
     if ((element.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
       member.result = std::move(parameter);
     } else {
+      member.takesDouble |= parameter.type == VT_R8 && !parameter.isByRef;
       member.parameters.push_back(std::move(parameter));
     }
+  }
+  const bool isPlainPut = member.parameters.size() == 1 && member.result.type == VT_EMPTY;
+  if (member.parameters.size() > kMaxParameters || (member.takesDouble && !isPlainPut)) {
+    throw std::logic_error("a member that cannot be called late-bound");
   }
   return member;
 }
@@ -152,17 +161,34 @@ TypeTable::TypeTable(REFIID iid) {
     members_.push_back(Describe(info.get(), *function));
     info->ReleaseFuncDesc(function);
   }
+  std::ranges::stable_sort(members_, {}, &Member::id);
+  for (const Member& member : members_) byName_.push_back(&member);
+  std::ranges::stable_sort(byName_, IsNameLess, &Member::name);
 }
 
 const Member* TypeTable::Find(std::wstring_view name) const {
-  const auto found = std::ranges::find_if(
-      members_, [&](const Member& member) { return EqualNames(member.name, name); });
-  return found == members_.end() ? nullptr : &*found;
+  const auto found = std::ranges::lower_bound(byName_, name, IsNameLess, &Member::name);
+  return found == byName_.end() || !EqualNames((*found)->name, name) ? nullptr : *found;
+}
+
+const Member* TypeTable::Find(DISPID id, WORD flags) const {
+  auto member = std::ranges::lower_bound(members_, id, {}, &Member::id);
+  for (; member != members_.end() && member->id == id; ++member) {
+    // A host that only says "put" may mean either kind of it.
+    const bool isPut = member->kind == INVOKE_PROPERTYPUTREF && (flags & DISPATCH_PROPERTYPUT) != 0;
+    if ((member->kind & flags) != 0 || isPut) return &*member;
+  }
+  return nullptr;
+}
+
+int CompareNames(std::wstring_view left, std::wstring_view right) {
+  return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
+                              static_cast<int>(right.size()), TRUE) -
+         CSTR_EQUAL;
 }
 
 bool EqualNames(std::wstring_view left, std::wstring_view right) {
-  return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
-                              static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
+  return CompareNames(left, right) == 0;
 }
 
 }  // namespace vardel::server
