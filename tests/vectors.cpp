@@ -90,9 +90,8 @@ std::vector<Vector> Vectors() {
 std::vector<Descriptor> Descriptors() {
   std::vector<Descriptor> descriptors;
   for (auto& row : Rows("descriptors.csv")) {
-    const std::string where = row["where"], className = "CCardFormat" + row["format"];
-    row.erase("where");
-    row.erase("format");
+    const std::string where = row.extract("where").mapped();
+    const std::string className = "CCardFormat" + row.extract("format").mapped();
     descriptors.push_back({where, className, {row.begin(), row.end()}});
   }
   return descriptors;

@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
 #include <set>
 
@@ -17,23 +16,10 @@ namespace {
 constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
 
 TEST(HostFaultTest, SaysWhatItsNumberMeans) {
-  std::string text;
-  for (const int number : {5, 6, 7, 9, 13, 91, 424, 1}) {
-    text += TextOf(number, HostFault(Fault{number}).what()) + "; ";
-  }
-  EXPECT_EQ(text,
-            "5 Invalid procedure call or argument; 6 Overflow; 7 Out of memory; "
-            "9 Subscript out of range; 13 Type mismatch; 91 Object variable not set; "
-            "424 Object required; 1 Unknown fault; ");
-}
-
-TEST(TypeCodeTest, OverflowsInTheProductAsWellAsInTheSum) {
-  EXPECT_EQ(TypeCode(-1, 5), -251);
-  EXPECT_EQ(TypeCode(8388607, 255), 2147483647);
-  EXPECT_EQ(TypeCode(-8388608, 0), kLowest);
-  constexpr std::int32_t kRows[][2] = {
-      {8388607, 256}, {-8388608, -1}, {8388608, -1}, {-8388609, 256}, {1, 2147483647}};
-  for (const auto& [type, sub] : kRows) EXPECT_EQ(FaultOf([&] { TypeCode(type, sub); }), 6) << type;
+  // Those that the server's tests do not see.
+  EXPECT_STREQ(HostFault(Fault::OutOfMemory).what(), "Out of memory");
+  EXPECT_STREQ(HostFault(Fault::ObjectRequired).what(), "Object required");
+  EXPECT_STREQ(HostFault(Fault{1}).what(), "Unknown fault");
 }
 
 TEST(TypeCodeTest, KnowsTheTypesAndPairsThatCardsMayHave) {
@@ -44,6 +30,7 @@ TEST(TypeCodeTest, KnowsTheTypesAndPairsThatCardsMayHave) {
       EXPECT_EQ(IsValidTypePair(type, subType), pairs.contains({type, subType})) << subType;
     }
   }
+  EXPECT_EQ(TypeCode(-1, 5), -251);
   EXPECT_FALSE(IsValidTypePair(16777217, 1));  // the type code of 1/1 after a wrap-around
 }
 
@@ -55,23 +42,23 @@ std::string StateOf(const CCardByteData& data) {
 TEST(CardByteDataTest, RecordsAWrongTypeAndKeepsTypeAndBytes) {
   CCardByteData data;
   EXPECT_EQ(StateOf(data), "0 0 ");
-  for (const std::int32_t type : {1, 2, 3}) {
-    data.InitCardData(type);
-    EXPECT_EQ(StateOf(data), TextOf(type, 0, ""));
-    data.CardArrDataByIndex(0, 7);
-    for (const std::int32_t wrong : {0, -1, 4, 257}) {
-      data.CardType(wrong);
-      EXPECT_EQ(StateOf(data), TextOf(type, 0, "07 error -1 Incorrect Card Type"));
-      data.CardType(type);
-      EXPECT_EQ(StateOf(data), TextOf(type, 0, "07"));
-      data.InitCardData(wrong);
-      EXPECT_EQ(StateOf(data), TextOf(type, 0, "07 error -1 Incorrect Card Type"));
-    }
+  data.InitCardData(3);
+  EXPECT_EQ(StateOf(data), "3 0 ");
+  data.CardArrDataByIndex(0, 7);
+  for (const std::int32_t wrong : {0, -1, 4, 257}) {
+    data.CardType(wrong);
+    EXPECT_EQ(StateOf(data), "3 0 07 error -1 Incorrect Card Type");
+    data.CardType(3);
+    EXPECT_EQ(StateOf(data), "3 0 07");
+    data.InitCardData(wrong);
+    EXPECT_EQ(StateOf(data), "3 0 07 error -1 Incorrect Card Type");
   }
   data.CardSubType(255);
   EXPECT_EQ(StateOf(data), "3 255 07");
   data.InitCardData();
   EXPECT_EQ(StateOf(data), "3 255 07 error -1 Incorrect Card Type");
+  data.InitCardData(1);
+  EXPECT_EQ(StateOf(data), "1 255 ");
 }
 
 TEST(CardByteDataTest, HasThirtyTwoBytes) {
@@ -96,7 +83,6 @@ TEST(ByteArrayDataTest, StartsItsSummaryWithACount) {
   data.ByteCount(4);
   EXPECT_EQ(state(), "4 3 0 255 False 0 ");
   data.ByteOR(1);
-  EXPECT_EQ(state(), "4 3 1 255 False 0 ");
   data.ByteAND(254);
   EXPECT_EQ(state(), "4 3 1 254 True 0 ");
   data.ByteCount(-2);
@@ -116,32 +102,20 @@ TEST(ByteArrayDataTest, StartsItsSummaryWithACount) {
   EXPECT_EQ(TextOf(data.HexString, data.ChrString, data.HexCharCount()), "kept kept 0");
 }
 
-TEST(ErrorTest, IsSharedByTheObjectsThatAreGivenIt) {
+TEST(ErrorTest, IsSharedAndWithoutItAllThatWouldChangeItFails) {
   CCardByteData a;
   CByteArrayData b;
-  a.MakeErr(5, "any code");
   const std::shared_ptr<CError> error = a.Error();
   b.Error(error);
-  EXPECT_EQ(b.Error(), error);
-  EXPECT_EQ(ErrorOf(b), "5 any code");
-  a.InitErr();
   b.ByteCount(-1);
-  EXPECT_EQ(ErrorOf(*error), "-1 Incorrect Byte Count");
-  a.ErrName("renamed");
-  a.ErrNumber(7);
-  EXPECT_EQ(ErrorOf(b), "7 renamed");
-
-  // Without an error, all that would read or change it fails and changes nothing.
+  EXPECT_EQ(ErrorOf(a), "-1 Incorrect Byte Count");
   a.Error(nullptr);
-  EXPECT_EQ(a.Error(), nullptr);
-  const std::function<void()> uses[] = {
-      [&] { a.ErrName(); },    [&] { a.ErrNumber(); },    [&] { a.ErrName("x"); },
-      [&] { a.ErrNumber(1); }, [&] { a.InitErr(); },      [&] { a.MakeErr(-1, "x"); },
-      [&] { a.CardType(3); },  [&] { a.CardSubType(3); }, [&] { a.CardArrDataByIndex(0, 3); }};
-  for (const auto& use : uses) EXPECT_EQ(FaultOf(use), 91) << &use - uses;
+  EXPECT_EQ(FaultOf([&] { a.CardType(3); }), 91);
+  EXPECT_EQ(FaultOf([&] { a.CardSubType(3); }), 91);
+  EXPECT_EQ(FaultOf([&] { a.CardArrDataByIndex(0, 3); }), 91);
   a.InitCardData(1);
   a.Error(error);
-  EXPECT_EQ(StateOf(a), "0 0  error 7 renamed");
+  EXPECT_EQ(StateOf(a), "0 0  error -1 Incorrect Byte Count");
 }
 
 TEST(ErrorTest, IsCopiedByValue) {

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <set>
 
 namespace vardel {
@@ -30,58 +29,23 @@ TEST(CardTest, FindsExactlyTheFormatsOfItsList) {
     const int fault = FaultOf([&] { card.CardFormatByCode(code); });
     EXPECT_EQ(fault, codes.contains(code) ? 0 : 424) << code;
   }
-  EXPECT_FALSE(card.IsExisted(3, 4));
-  EXPECT_TRUE(card.IsExisted(2, 3));
-  // The same object every time, and one of its own for each facade.
-  EXPECT_EQ(card.CardFormatByCode(513), card.CardFormat(2, 1));
-  EXPECT_NE(CCard().CardFormat(2, 1), card.CardFormat(2, 1));
 }
 
-TEST(CardTest, LeavesItsErrorAloneInAllButEncodes) {
+TEST(CardTest, RecordsAnUnknownTypeUntilTheNextEncode) {
   CCard card;
-  card.ErrNumber = 7;
-  card.ErrName = "old";
-  const std::pair<std::function<void()>, int> rows[] = {
-      {[&] { card.CardFormat(3, 3); }, 424},
-      {[&] { card.CardFormat(9000000, 1); }, 6},
-      {[&] { card.CardFormat(8388608, -1); }, 6},
-      {[&] { card.IsExisted(8388607, 256); }, 6},
-      {[&] { card.IsSmartCardData("12"); }, 424},
-      {[&] { card.IsSecurityCardData(""); }, 424},
-      {[&] { card.AnalyzeCardData(nullptr); }, 91},
-      {[&] { card.AnalyzeCardData(CCardFrame()); }, 0},
-      {[&] { card.CardFormat(2, 1)->MakeCardData(nullptr); }, 91},
-      {[&] { card.CardFormat(2, 1)->AnalyzeCardData(nullptr); }, 91},
-      {[&] { EXPECT_TRUE(card.IsCardMainType(card.CardTypeCount()) && card.IsCardType(2, 5)); }, 0},
-      {[&] { EXPECT_FALSE(card.IsCardMainType(4) || card.IsCardType(2, 3)); }, 0}};
-  for (const auto& [call, fault] : rows) EXPECT_EQ(FaultOf(call), fault) << fault;
-  EXPECT_EQ(ErrorOf(card), "7 old");
+  const CCardByteData raw = card.MakeCardData(Card(2, 4, "1", "1"));  // which has a format
+  EXPECT_EQ(ErrorOf(card) + ErrorOf(raw), "-1 Unknown Card Type0 ");
+  EXPECT_EQ(raw.CardType() + raw.CardSubType(), 0);
+  EXPECT_EQ(raw.CardDataStruct, CardDataStruct());
   EXPECT_EQ(FaultOf([&] { card.MakeCardData(nullptr); }), 91);
   EXPECT_EQ(ErrorOf(card), "0 ");
+  EXPECT_EQ(FaultOf([&] { card.AnalyzeCardData(nullptr); }), 91);
+  EXPECT_EQ(FaultOf([&] { card.CardFormat(8388608, -1); }), 6);
+  EXPECT_EQ(FaultOf([&] { card.IsExisted(8388607, 256); }), 6);
 }
 
-TEST(CardTest, RecordsAnUnknownTypeUntilTheNextCard) {
-  CCard card;
-  for (const int type : {0, 2, 4}) {  // 2/4 has a format
-    const CCardByteData raw = card.MakeCardData(Card(type, 4, "1", "1"));
-    EXPECT_EQ(ErrorOf(card), "-1 Unknown Card Type");
-    EXPECT_EQ(ErrorOf(raw), "0 ");
-    EXPECT_EQ(raw.CardType() + raw.CardSubType(), 0);
-    EXPECT_EQ(raw.CardDataStruct, CardDataStruct());
-    EXPECT_EQ(FaultOf([&] { card.MakeCardData(Card(2, 2, "1", "1")); }), 9);
-    EXPECT_EQ(ErrorOf(card), "0 ");
-  }
-}
-
-TEST(CardTest, CarriesAFormatsErrorUntilSomeoneClearsIt) {
-  CCard card;
-  const CCardByteData wrong = card.MakeCardData(Card(2, 1, "1", "0"));
-  const CCardByteData right = card.MakeCardData(Card(2, 1, "1", "1"));
-  EXPECT_EQ(ErrorOf(right), "-1 Incorrect Card ID");
-  EXPECT_NE(right.CardDataStruct, CardDataStruct());
-  card.CardFormat(2, 1)->InitErr();
-  EXPECT_EQ(ErrorOf(card.MakeCardData(Card(2, 1, "1", "1"))), "0 ");
-  EXPECT_EQ(ErrorOf(wrong), "-1 Incorrect Card ID");
+TEST(CardTest, ClearsOrRecordsTheErrorOfDongSeoThoughTheCallFails) {
+  const CCard card;
   // A bad card number is recorded even where the revision then ends the call.
   const auto dongSeo = card.CardFormat(3, 5);
   EXPECT_EQ(FaultOf([&] { dongSeo->MakeCardData(Card(3, 5, "", "", "5")); }), 5);
@@ -117,14 +81,6 @@ TEST(CardTest, DecodesByTheFramesPairOrAsEM) {
   EXPECT_THROW(card.AnalyzeCardData(RefusingFrame({Bytes(6), ""}, 2, 1)), const char*);
   EXPECT_EQ(LibraryFiller().Length, 64);
   EXPECT_EQ(LibraryFiller().Text, std::string(64, '0'));
-}
-
-TEST(CardFormatInfoTest, AnswersWithNothingAndRecordsNothing) {
-  CCardFormatInfo info;
-  EXPECT_FALSE(info.IsFacilityValid("1") || info.IsCardIDValid("1"));
-  EXPECT_EQ(info.MakeCardData(Card(2, 1, "1", "1")), CardDataStruct());
-  EXPECT_FALSE(info.AnalyzeCardData(CCardFrame(2, 1, "020002020000")));
-  EXPECT_EQ(ErrorOf(info), "0 ");
 }
 
 // A host's frame sees, and may refuse, each read of its bytes.
