@@ -20,14 +20,18 @@ constexpr std::uint64_t Range(int first, int last) {
   return Get(~std::uint64_t{0}, 0, last - first + 1) << first;
 }
 
+/// FromBytes by the indexes of the bytes, which compilers turn into one load.
+template <std::size_t Count, std::size_t... kIndex>
+constexpr std::uint64_t FromBytes(std::span<const std::uint8_t, Count> bytes,
+                                  std::index_sequence<kIndex...> /*indexes*/) {
+  return (... | (std::uint64_t{bytes[kIndex]} << 8 * kIndex));
+}
+
 /// The value of `Count` bytes (at most 8).
 template <std::size_t Count>
 constexpr std::uint64_t FromBytes(std::span<const std::uint8_t, Count> bytes) {
   static_assert(Count <= 8);
-  const auto valueOf = [&]<std::size_t... i>(std::index_sequence<i...> /*indexes*/) {
-    return (... | (std::uint64_t{bytes[i]} << 8 * i));
-  };
-  return valueOf(std::make_index_sequence<Count>());
+  return FromBytes(bytes, std::make_index_sequence<Count>());
 }
 
 /// The bytes of a value.

@@ -55,13 +55,14 @@ void AssignAnyNumber(std::string& text, std::uint64_t value, std::int16_t charCo
 }
 
 /// The two digits of each number below 100 as characters, the first in the low byte.
-constexpr std::array<std::uint16_t, 100> kPairs = [] {
+constexpr std::array<std::uint16_t, 100> MakePairs() {
   std::array<std::uint16_t, 100> pairs{};
   for (unsigned i = 0; i < pairs.size(); ++i) {
     pairs[i] = static_cast<std::uint16_t>(('0' + i / 10) | ('0' + i % 10) << 8);
   }
   return pairs;
-}();
+}
+constexpr std::array<std::uint16_t, 100> kPairs = MakePairs();
 
 /// Ten to the power of the index; but 0 for the first, as there is no number without a digit.
 constexpr std::array<std::uint32_t, 9> kWidthLimits = {0,      10,      100,      1000,     10000,
