@@ -1,4 +1,4 @@
-// What registration writes, that nothing of it stays, and classes created with and without it.
+// What registration writes, and that nothing of it stays. The scripts use it.
 
 #include "tests/server/library_types.h"
 
@@ -24,11 +24,14 @@ bool IsOurs(std::wstring text) {
          text.find(L"VARDEL") != std::wstring::npos;
 }
 
-/// Collects what is ours by its path or values. The keys of 32-bit programs count like all others:
-/// some of them are the same ones.
-void Collect(HKEY parent, const wchar_t* name, const std::wstring& path, Keys& keys) {
+/// What is ours by its path or values. The keys of 32-bit programs count like all others: some of
+/// them are the same ones.
+Keys Collected(HKEY parent, const wchar_t* name = L"Software\\Classes",
+               const std::wstring& path = {}) {
+  Keys keys;
   HKEY key = nullptr;
-  if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) return;
+  if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS)
+    return keys;
   std::wstring line = path;
   for (const std::wstring valueName : {L"", L"ThreadingModel", L"Version"}) {
     wchar_t value[1024] = {};
@@ -45,19 +48,10 @@ void Collect(HKEY parent, const wchar_t* name, const std::wstring& path, Keys& k
   for (DWORD i = 0; !isOthers && RegEnumKeyW(key, i, child, 256) == ERROR_SUCCESS; ++i) {
     CharUpperW(child);
     const bool isOtherView = std::wstring(child) == L"WOW6432NODE";
-    Collect(key, child, isOtherView ? path : path + L"\\" + child, keys);
+    keys.merge(Collected(key, child, isOtherView ? path : path + L"\\" + child));
   }
   RegCloseKey(key);
-}
-
-/// The keys of the machine or the user, against those that it should have: what differs.
-Keys Difference(HKEY root, const Keys& expected) {
-  Keys found;
-  Keys difference;
-  Collect(root, L"Software\\Classes", L"", found);
-  std::ranges::set_symmetric_difference(found, expected,
-                                        std::inserter(difference, difference.end()));
-  return difference;
+  return keys;
 }
 
 std::wstring Text(REFGUID guid) {
@@ -86,52 +80,38 @@ Keys KeysOf(const std::wstring& kind, REFGUID id = {}, const std::string& name =
   return keys;
 }
 
-void SetText(const std::wstring& key, const std::wstring& text, DWORD options = 0) {
-  HKEY handle = nullptr;
-  EXPECT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + key).c_str(), 0, nullptr,
-                            options, KEY_WRITE, nullptr, &handle, nullptr),
+std::wstring Path(const std::wstring& key) { return L"Software\\Classes\\" + key; }
+void SetText(const std::wstring& key, const std::wstring& text) {
+  EXPECT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, Path(key).c_str(), nullptr, REG_SZ, text.c_str(),
+                            static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
             ERROR_SUCCESS);
-  RegSetValueExW(handle, nullptr, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                 static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-  RegCloseKey(handle);
 }
+const std::wstring kCardServer = L"CLSID\\" + Text(CLSID_CCard) + L"\\InprocServer32";
+void Remove(const std::wstring& key) { RegDeleteTreeW(HKEY_LOCAL_MACHINE, Path(key).c_str()); }
 
 class Registration : public testing::Test {
  protected:
   Registration() {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     for (const auto& [info, type] : LibraryTypes()) {
-      const std::string name = Name(info);
-      if (type.typekind == TKIND_DISPATCH) keys_.merge(KeysOf(L"interface", type.guid, name));
-      if (type.typekind != TKIND_COCLASS) continue;
-      keys_.merge(KeysOf(L"class", type.guid, name));
-      names_.push_back(L"Vardel." + Wide(name));
+      const bool isClass = type.typekind == TKIND_COCLASS;
+      if (!isClass && type.typekind != TKIND_DISPATCH) continue;
+      keys_.merge(KeysOf(isClass ? L"class" : L"interface", type.guid, Name(info)));
     }
-  }
-  ~Registration() override { CoUninitialize(); }
-  void SetUp() override {
-    ASSERT_EQ(names_.size(), 19U);
     ExpectKeys({}, {});
   }
-  void TearDown() override {
+  ~Registration() override {
+    EXPECT_EQ(Call("DllRegisterServer"), S_OK) << "so that all is ours to unregister";
     EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(InstallForUser(FALSE), S_OK);
   }
 
   static void ExpectKeys(const Keys& ofMachine, const Keys& ofUser) {
-    EXPECT_EQ(Difference(HKEY_LOCAL_MACHINE, ofMachine), Keys());
-    EXPECT_EQ(Difference(HKEY_CURRENT_USER, ofUser), Keys());
-  }
-  void ExpectEachCreate(HRESULT expected) const {
-    for (const auto& name : names_) {
-      CLSID id{};
-      ComPtr<IDispatch> object;
-      HRESULT status = CLSIDFromProgID(name.c_str(), &id);
-      if (SUCCEEDED(status)) {
-        status = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                                  reinterpret_cast<void**>(object.out()));
-      }
-      EXPECT_EQ(status, expected) << name.c_str();
+    for (HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+      Keys difference;
+      std::ranges::set_symmetric_difference(Collected(root),
+                                            root == HKEY_CURRENT_USER ? ofUser : ofMachine,
+                                            std::inserter(difference, difference.end()));
+      EXPECT_EQ(difference, Keys()) << (root == HKEY_CURRENT_USER ? "user" : "machine");
     }
   }
   HRESULT Call(const char* entry) const { return module_.Entry<HRESULT(WINAPI*)()>(entry)(); }
@@ -140,77 +120,51 @@ class Registration : public testing::Test {
   }
 
   ServerModule module_;
-  std::vector<std::wstring> names_;
   Keys keys_ = KeysOf(L"library");  // what belongs into a registry
 };
 
-TEST_F(Registration, OfTheMachineMakesEveryClassCreatableByNameAndCanBeUndone) {
-  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
-  ExpectKeys(keys_, {});
-  ExpectEachCreate(S_OK);
-  EXPECT_EQ(Call("DllRegisterServer"), S_OK);
-  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
-  ExpectKeys({}, {});
-  ExpectEachCreate(CO_E_CLASSSTRING);
-}
-
-TEST_F(Registration, ThatFailsPartWayLeavesNothing) {
-  HKEY blocked = nullptr;  // no lasting key can be made below one that does not last
-  RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\Vardel.CCardTypes", 0, nullptr,
-                  REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &blocked, nullptr);
-  RegCloseKey(blocked);
-  EXPECT_EQ(Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
-  ExpectKeys({L"\\VARDEL.CCARDTYPES"}, {});
-}
-
-TEST_F(Registration, ThatFailsPartWayLeavesAnEarlierOne) {
-  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
-  Keys before;
-  SetText(L"CLSID\\" + Text(CLSID_CCard) + L"\\InprocServer32", L"C:\\earlier\\vardel.dll");
-  RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\Vardel.CCardTypes");
-  SetText(L"Vardel.CCardTypes", L"blocks", REG_OPTION_VOLATILE);
-  Collect(HKEY_LOCAL_MACHINE, L"Software\\Classes", L"", before);
-  EXPECT_EQ(Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
-  ExpectKeys(before, {});
-  RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Classes\\Vardel.CCardTypes");
-  EXPECT_EQ(Call("DllRegisterServer"), S_OK);
-}
-
-TEST_F(Registration, LeavesAnotherDllsClassAndAnotherVersionsLibrary) {
-  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
-  const std::wstring key = L"CLSID\\" + Text(CLSID_CCard) + L"\\InprocServer32";
-  const std::wstring library = L"TypeLib\\" + Text(LIBID_Vardel);
-  SetText(key, L"C:\\other.dll");
-  SetText(library + L"\\2.0", L"Vardel 2.0");
-  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
-  Keys left = {L"\\TYPELIB\\" + Text(LIBID_Vardel),
-               L"\\TYPELIB\\" + Text(LIBID_Vardel) + L"\\2.0 =Vardel 2.0"};
-  for (const auto& line : KeysOf(L"class", CLSID_CCard, "CCard")) {
-    left.insert(std::regex_replace(line, std::wregex(L"=[^=]*vardel\\.dll"), L"=C:\\other.dll"));
+TEST_F(Registration, WritesTheKeysOfTheMachineOrTheUserAndCanBeUndone) {
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+    ExpectKeys(keys_, {});
   }
-  ExpectKeys(left, {});
-  RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + library).c_str());
-  EXPECT_EQ(Call("DllRegisterServer"), S_OK) << "so that all can be unregistered";
-}
-
-TEST_F(Registration, OfTheUserLeavesTheMachineAlone) {
+  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
   ASSERT_EQ(InstallForUser(TRUE), S_OK);
   ExpectKeys({}, keys_);
   EXPECT_EQ(InstallForUser(FALSE), S_OK);
   ExpectKeys({}, {});
 }
 
-TEST_F(Registration, IsNotNeededWithTheManifest) {
-  ExpectEachCreate(CO_E_CLASSSTRING);
-  ACTCTXW source{};
-  source.cbSize = sizeof(source);
-  source.lpSource = L"Vardel.Server.manifest";
-  const HANDLE context = CreateActCtxW(&source);
-  ULONG_PTR cookie = 0;
-  ASSERT_TRUE(context != INVALID_HANDLE_VALUE && ActivateActCtx(context, &cookie) != FALSE);
-  ExpectEachCreate(S_OK);
-  DeactivateActCtx(0, cookie);
-  ReleaseActCtx(context);
+TEST_F(Registration, ThatFailsPartWayLeavesNothingOrAnEarlierOne) {
+  for (const bool isEarlier : {false, true}) {
+    if (isEarlier) {
+      EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+      SetText(kCardServer, L"C:\\earlier\\vardel.dll");
+      Remove(L"Vardel.CCardTypes");
+    }
+    HKEY blocked = nullptr;  // no lasting key can be made below one that does not last
+    RegCreateKeyExW(HKEY_LOCAL_MACHINE, Path(L"Vardel.CCardTypes").c_str(), 0, nullptr,
+                    REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &blocked, nullptr);
+    RegCloseKey(blocked);
+    const Keys before = Collected(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
+    ExpectKeys(before, {});
+    Remove(L"Vardel.CCardTypes");
+  }
+}
+
+TEST_F(Registration, LeavesAnotherDllsClassAndAnotherVersionsLibrary) {
+  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+  const std::wstring library = L"TYPELIB\\" + Text(LIBID_Vardel);
+  SetText(kCardServer, L"C:\\other.dll");
+  SetText(library + L"\\2.0", L"Vardel 2.0");
+  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  Keys left = {L"\\" + library, L"\\" + library + L"\\2.0 =Vardel 2.0"};
+  for (const auto& line : KeysOf(L"class", CLSID_CCard, "CCard")) {
+    left.insert(std::regex_replace(line, std::wregex(L"=[^=]*vardel\\.dll"), L"=C:\\other.dll"));
+  }
+  ExpectKeys(left, {});
+  Remove(library);
 }
 
 }  // namespace
