@@ -33,7 +33,7 @@ TEST(TypeCodeTest, OverflowsInTheProductAsWellAsInTheSum) {
   EXPECT_EQ(TypeCode(-8388608, 0), kLowest);
   constexpr std::int32_t kRows[][2] = {
       {8388607, 256}, {-8388608, -1}, {8388608, -1}, {-8388609, 256}, {1, 2147483647}};
-  for (const auto& [type, sub] : kRows) EXPECT_EQ(FaultOf([&] { TypeCode(type, sub); }), 6) << type;
+  for (const auto& row : kRows) EXPECT_EQ(FaultOf([&] { TypeCode(row[0], row[1]); }), 6) << row[0];
 }
 
 TEST(TypeCodeTest, KnowsTheTypesAndPairsThatCardsMayHave) {

@@ -49,8 +49,12 @@ TEST(CardTypesTest, KeepsClearsOrRecordsTheErrorByMember) {
   const auto expectPairs = [&](const auto& call, std::string_view known, bool isCleared,
                                std::string_view unknown, std::string_view unknownError) {
     expect([&] { return call(2, 1); }, known, isCleared ? cleared : kept);
-    for (const auto& [t, s] : missing) expect([&] { return call(t, s); }, unknown, unknownError);
-    for (const auto& [t, s] : overflowing) expect([&] { return call(t, s); }, "fault 6", kept);
+    for (const auto& p : missing) {
+      expect([&] { return call(p.first, p.second); }, unknown, unknownError);
+    }
+    for (const auto& p : overflowing) {
+      expect([&] { return call(p.first, p.second); }, "fault 6", kept);
+    }
   };
   expectPairs([&](int t, int s) { return types.IsExisted(t, s); }, "True", false, "False", kept);
   expectPairs([&](int t, int s) { return types.CardTypeByType(t, s)->IsAvailable; }, "True", true,
@@ -64,14 +68,15 @@ TEST(CardTypesTest, KeepsClearsOrRecordsTheErrorByMember) {
   // A key is the exact decimal text.
   const char* const keys[] = {"515",  "0513",  " 513", "513 ", "+513", "",
                               "513x", "513.0", "-0",   "00",   "-",    "4294967809"};
-  for (const auto& [value, get, getByKey, put, putByKey] : kNames) {
-    expectPairs([&](int t, int s) { return (types.*get)(t, s); }, value, true, "", kept);
-    expect([&] { return (types.*getByKey)("513"); }, value, cleared);
-    for (const char* key : keys) expect([&] { return (types.*getByKey)(key); }, "", kept);
-    if (put == nullptr) continue;
-    expectPairs([&](int t, int s) { return (types.*put)(t, s, value); }, "0", true, "-1", missed);
-    expect([&] { return (types.*putByKey)("513", value), ""; }, "", cleared);
-    for (const char* k : keys) expect([&] { return (types.*putByKey)(k, "x"), ""; }, "", missed);
+  for (const Name& n : kNames) {
+    expectPairs([&](int t, int s) { return (types.*n.get)(t, s); }, n.value, true, "", kept);
+    expect([&] { return (types.*n.getByKey)("513"); }, n.value, cleared);
+    for (const char* key : keys) expect([&] { return (types.*n.getByKey)(key); }, "", kept);
+    if (n.put == nullptr) continue;
+    expectPairs([&](int t, int s) { return (types.*n.put)(t, s, n.value); }, "0", true, "-1",
+                missed);
+    expect([&] { return (types.*n.putByKey)("513", n.value), ""; }, "", cleared);
+    for (const char* k : keys) expect([&] { return (types.*n.putByKey)(k, "x"), ""; }, "", missed);
   }
   EXPECT_EQ(hid->ShortName + hid->TypeName, "shortname");
   EXPECT_EQ(FaultOf([&] { types.ShortName("513", "new"); }), 91);

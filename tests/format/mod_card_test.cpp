@@ -36,9 +36,9 @@ TEST(ModCardTest, TurnsNumbersIntoBytesByEitherDivision) {
       {"254.5", "FE"},      {"256", "0001"},      {"256.5", "0001"},    {"257.5", "0201"},
       {"255.5", "fault 6"}, {"511.5", "fault 6"}, {"-0.51", "fault 6"}, {"-1", "fault 6"},
       {"-16", "fault 6"},   {"-256", "fault 6"},  {"", "fault 13"},     {"1e309", "fault 13"}};
-  for (const auto& [text, bytes] : kRows) {
-    EXPECT_EQ(AnswerOf([&] { return HexText(NumberToBytes(text)); }), bytes) << text;
-    EXPECT_EQ(AnswerOf([&] { return HexText(NumberToBytesByByte(text)); }), bytes) << text;
+  for (const auto& row : kRows) {
+    EXPECT_EQ(AnswerOf([&] { return HexText(NumberToBytes(row[0])); }), row[1]) << row[0];
+    EXPECT_EQ(AnswerOf([&] { return HexText(NumberToBytesByByte(row[0])); }), row[1]) << row[0];
   }
   for (const double value : {0x1p53 - 1, 0x1p53, 0x1p64, 0x1p1023}) {
     EXPECT_EQ(ByteArrayToNumber(NumberToBytes(value)), value);
