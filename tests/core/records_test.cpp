@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <limits>
 #include <set>
@@ -178,6 +179,8 @@ TEST(CardFrameTest, KeepsTextAndBytesInStep) {
     EXPECT_EQ(FaultOf([&] { frame.RawCardHex(malformed); }), 13) << malformed;
   }
   EXPECT_EQ(state(), "3 5 False 00aBcDeF9a 00ABCDEF9A");
+  std::array<std::uint8_t, 3> bytes;  // and a text that ends before the digits behind it do
+  EXPECT_EQ(FaultOf([&] { ParseHex(std::string_view("001122").substr(0, 5), bytes); }), 13);
   frame.CardDataStruct({{1}});
   const std::string record = "01" + std::string(62, '0');
   EXPECT_EQ(state(), TextOf("3 5 False", record, record));
