@@ -50,8 +50,8 @@ struct Fields {
 bool AcceptCardID(CCardFormatInfo& format, const CCardData& card, Field& field);
 
 /// What becomes of a field as soon as it is accepted. EM, HID 37-bit and HID Corporate 1000 convert
-/// it into bytes by itself, though the sum alone goes on the card: a number that does not fit its
-/// bytes ends the encode there, before the next field is looked at. HID standard does not.
+/// it into bytes by itself, which only HID 37-bit uses: a number that does not fit its bytes ends
+/// the encode there, before the next field is looked at. HID standard does not.
 enum class EachField { IsOnlySummed, IsConverted };
 
 /// AcceptFields without the short way.
