@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 namespace vardel {
 namespace {
 
@@ -31,6 +33,23 @@ TEST(Allocations, AreNotMadeByConversions) {
     EXPECT_EQ(HexText(record.Bytes).substr(0, hex.size()), hex);
     EXPECT_EQ(std::stoi(decoded.CardID), 12345);
   }
+}
+
+TEST(Allocations, ThatFailLeaveNothingHalfRecorded) {
+  CCardByteData data;
+  data.CardType(CARD_HID);
+  data.CardArrDataByIndex(3, 7);
+  CError error{"short", 5};
+  RefuseAllocations(true);
+  data.InitCardData(9);
+  EXPECT_THROW(error.MakeErr(-1, "a text that is too long for a string itself"), std::bad_alloc);
+  RefuseAllocations(false);
+  EXPECT_EQ(data.ErrNumber(), -1);
+  EXPECT_EQ(data.ErrName(), "Out of memory");
+  EXPECT_EQ(data.CardType(), CARD_HID);
+  EXPECT_EQ(data.CardArrDataByIndex(3), 7);
+  EXPECT_EQ(error.ErrNumber, 5);
+  EXPECT_EQ(error.ErrName, "short");
 }
 
 }  // namespace

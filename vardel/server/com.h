@@ -10,6 +10,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <concepts>
 #include <cstddef>
 #include <new>
 #include <optional>
@@ -31,9 +32,8 @@ class ComPtr {
     if (pointer_ != nullptr) pointer_->AddRef();
   }
   ComPtr(ComPtr&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
-  template <class Derived>
-  requires std::is_convertible_v<Derived*, Interface*> ComPtr(ComPtr<Derived> other)
-      : pointer_(other.Detach()) {}
+  template <std::derived_from<Interface> Derived>
+  ComPtr(ComPtr<Derived> other) : pointer_(other.Detach()) {}
   ComPtr& operator=(ComPtr other) noexcept {
     std::swap(pointer_, other.pointer_);
     return *this;

@@ -48,7 +48,9 @@ std::string As(BSTR value) {
 }
 
 template <class Value>
-requires std::is_arithmetic_v<Value> || std::is_enum_v<Value> Value In(Value value) {
+concept Number = std::is_arithmetic_v<Value> || std::is_enum_v<Value>;
+template <Number Value>
+Value In(Value value) {
   return value;
 }
 std::string In(BSTR text) { return Utf8(text); }
