@@ -56,7 +56,7 @@ struct Parity {
 
   constexpr std::uint64_t Of(std::uint64_t value) const {
     const bool isOddWithout = std::popcount(value & covered) % 2 != 0;
-    return std::uint64_t{isOddWithout != isOdd} << position;
+    return static_cast<std::uint64_t>(isOddWithout != isOdd) << position;
   }
 };
 
