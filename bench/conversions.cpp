@@ -6,10 +6,12 @@
 #include <vardel/facade/card.h>
 #include <vardel/facade/card_types.h>
 #include <vardel/format/mod_card.h>
+#include <vardel/formats/card_formats.h>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -44,9 +46,17 @@ constexpr Format kFormats[] = {
     {"37Bits", 2, 3, 65535, 524287},
     {"34Bits", 2, 5, 65535, 65535},
     {"Binary26", 2, 2, 0, 67108863},
-    {"UID32Bits", 3, 1, 0, 4294967294},
+    {"UID32BIts", 3, 1, 0, 4294967294},
     {"DongSeo", 3, 5, 0, 99999999},
+    {"LG", 3, 3, 999999, 99999999},
+    {"Woori", 3, 4, 9, 99999999},
 };
+
+std::shared_ptr<CCardFormatInfo> Create(const Format& format) {
+  return std::ranges::find(CardFormatClasses(), "CCardFormat" + std::string(format.name),
+                           &CardFormatClass::ClassName)
+      ->Create();
+}
 
 /// Cards as they come, one after the other: the same card over and over would flatter every branch.
 constexpr std::size_t kCards = 1024;
@@ -66,14 +76,14 @@ std::vector<CCardData> Cards(const Format& format) {
 
 /// The format's own records of such cards, as a reader delivers them.
 std::vector<CCardFrame> Reads(const Format& format) {
-  CCard facade;
+  const auto encoder = Create(format);
   std::mt19937 random(2);
   std::vector<CCardFrame> reads;
   for (const CCardData& card : Cards(format)) {
     CCardFrame frame(format.type, format.subType, "");
     const bool canEncode = std::string_view(format.name) != "Binary26";
     frame.CardDataStruct(
-        canEncode ? facade.CardFormat(format.type, format.subType)->MakeCardData(card)
+        canEncode ? encoder->MakeCardData(card)
                   : MakeCardDataStruct(NumberToBytes(static_cast<double>(random() % 67108863 + 1)),
                                        false));
     reads.push_back(frame);
@@ -90,12 +100,13 @@ void MeasureAll(benchmark::State& state, const std::vector<Item>& items, F&& con
 
 void Encode(benchmark::State& state, const Format& format) {
   CCard facade;
+  const auto encoder = Create(format);
   const bool isDirect = facade.IsCardType(format.type, format.subType);
   MeasureAll(state, Cards(format), [&](const CCardData& card) {
     if (isDirect) {
       benchmark::DoNotOptimize(facade.MakeCardData(card));
     } else {
-      benchmark::DoNotOptimize(facade.CardFormat(format.type, format.subType)->MakeCardData(card));
+      benchmark::DoNotOptimize(encoder->MakeCardData(card));
     }
   });
 }
@@ -114,13 +125,13 @@ void EncodeFault(benchmark::State& state, const Format& format) {
 
 void Decode(benchmark::State& state, const Format& format) {
   const CCard facade;
+  const auto decoder = Create(format);
   const bool isDirect = facade.IsCardType(format.type, format.subType);
   MeasureAll(state, Reads(format), [&](const CCardFrame& read) {
     if (isDirect) {
       benchmark::DoNotOptimize(facade.AnalyzeCardData(read));
     } else {
-      benchmark::DoNotOptimize(
-          facade.CardFormat(format.type, format.subType)->AnalyzeCardData(read));
+      benchmark::DoNotOptimize(decoder->AnalyzeCardData(read));
     }
   });
 }

@@ -103,7 +103,7 @@ TEST_P(VectorsTest, Hold) {
     EXPECT_EQ(FacadeAnswer(facade, row, type, subType), row.answer) << "through the facade";
     EXPECT_EQ(ErrorOf(facade), "0 ");
   }
-  EXPECT_GT(count, 0);
+  EXPECT_GT(count, 0) << "vectors.csv has no row of it";
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, VectorsTest, testing::ValuesIn(CardFormatClasses()),
@@ -123,7 +123,7 @@ TEST(DescriptorsTest, HoldInNewObjects) {
     }
     objects.erase(className);
   }
-  EXPECT_TRUE(objects.empty()) << objects.begin()->first << " has no row";
+  EXPECT_TRUE(objects.empty()) << objects.begin()->first << " has no row in descriptors.csv";
   const CCardFormatHIDCorp1000 corporate;
   EXPECT_EQ(TextOf(corporate.Sidx2ndCardID(), corporate.Eidx2ndCardID()), "3 4");
 }
@@ -161,6 +161,25 @@ TEST(FormatDocument, ShowsRowsOfTheVectors) {
     ++count;
   }
   EXPECT_GT(count, 40) << "the tables are not found";
+}
+
+TEST(FormatsTest, StandInAllListsOfThem) {
+  for (const auto& [name, type, subType, isInFacade, isConverted, create] : CardFormatClasses()) {
+    const std::string shortName(name.substr(11)), quoted = "`" + std::string(name) + "`";
+    const std::string pair = std::to_string(type) + ", " + std::to_string(subType);
+    const std::pair<std::string, std::string> rows[] = {
+        {"README.md", std::to_string(TypeCode(type, subType)) + " | " + pair + " | " + quoted},
+        {"docs/formats.md", quoted + ", type " + Replaced(pair, ",", ", sub-type")},
+        {"docs/hosts.md", quoted},
+        {"examples/scripts/objects.vbs", std::string(name) + " "},
+        {"examples/scripts/formats.vbs", shortName},
+        {"bench/conversions.cpp", "{\"" + shortName + "\","}};
+    for (const auto& [path, text] : rows) {
+      std::stringstream content;
+      content << std::ifstream(VARDEL_TESTS "/../" + path).rdbuf();
+      EXPECT_NE(content.str().find(text), std::string::npos) << path << " lacks " << text;
+    }
+  }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <vardel/facade/card_types.h>
 #include <vardel/format/descriptor_members.h>
 #include <vardel/formats/card_formats.h>
+#include <vardel/formats/format_table.h>
 #include <vardel/server/class_members.h>
 #include <vardel/server/frame_reader.h>
 #include <vardel/server/object.h>
@@ -482,10 +483,14 @@ constexpr Row kRows[] = {
     FORMAT_CLASS(CCardFormatDongSeo, SmartCardObject),
 };
 
+constexpr bool HasRow(const CardFormatClass& format) {
+  return std::ranges::any_of(kRows, [&](const Row& row) { return format.ClassName == row.name; });
+}
+static_assert(std::ranges::all_of(kFormatTable, HasRow), "a format has no class here");
+
 ComPtr<::_CCardFormatInfo> NewFormatObject(const Format& format) {
   const auto* const row = std::ranges::find_if(
       kRows, [&](const Row& each) { return each.isOf != nullptr && each.isOf(*format); });
-  if (row == std::end(kRows)) throw std::logic_error("a format that is in no row of the classes");
   return row->wrap(format, row->name).As<::_CCardFormatInfo>();
 }
 
