@@ -113,8 +113,9 @@ auto Rank(const CCardMatch& match) {
 
 /// The place of an index in a list; fault 9 where there is none.
 std::size_t PlaceIn(std::size_t size, std::int32_t index) {
-  if (index < 0 || static_cast<std::size_t>(index) >= size) throw HostFault(Fault::OutOfRange);
-  return static_cast<std::size_t>(index);
+  const auto place = static_cast<std::size_t>(index);  // a negative one lies far behind
+  if (place >= size) throw HostFault(Fault::OutOfRange);
+  return place;
 }
 
 }  // namespace
