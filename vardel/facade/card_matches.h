@@ -44,9 +44,9 @@ class CCardMatch {
 /// match; a format that records an error for one of them, or ends in a fault, is none. The formats
 /// are new objects with their own values, whatever a host has set in its own.
 ///
-/// One read often fits several layouts: parity that a layout does not have holds in it by chance for
-/// a quarter to a half of the cards, and EM and HID standard are the same to the bit. Five to ten
-/// reads of different cards tell all others apart.
+/// One read often fits several layouts: parity that a layout does not have holds in it by chance
+/// for a quarter to a half of the cards, and EM and HID standard are the same to the bit. Five to
+/// ten reads of different cards tell all others apart.
 class CCardMatches {
  public:
   /// Adds a read: its bytes and its text, each of which counts for the formats that decode it. Both
