@@ -7,6 +7,7 @@
 #include <vardel/core/card_frame.h>
 #include <vardel/core/host_fault.h>
 #include <vardel/facade/card.h>
+#include <vardel/facade/card_matches.h>
 #include <vardel/formats/card_formats.h>
 
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include <iomanip>
 #include <iostream>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -159,19 +161,47 @@ std::string Encode(vardel::CCard& facade, const Cells& row, std::string& error) 
   return text.str();
 }
 
-std::string Decode(const vardel::CCard& facade, const Cells& row, std::string& error) {
+/// The reads of each type pair that no format has, and what they can be.
+using Unknown = std::map<std::pair<std::int32_t, std::int32_t>, vardel::CCardMatches>;
+
+std::string FieldsOf(const vardel::CCardData& card) {
+  return "facility '" + card.Facility + "' card ID '" + card.CardID + "' revision '" +
+         card.Revision + "'";
+}
+
+std::string Decode(const vardel::CCard& facade, const Cells& row, Unknown& unknown,
+                   std::string& error) {
   const auto type = RequireCardType(row[0]);
   const auto subType = RequireSubType<std::int32_t>(row[1]);
   const bool isEMFrame = RequireFlag(row[2]);
   const vardel::CCardFrame frame(type, subType, row[3], isEMFrame);
   const auto format = FormatOutsideFacade(facade, type, subType);
+  if (format == nullptr && !isEMFrame && !facade.IsCardType(type, subType)) {
+    unknown[{type, subType}].Add(frame);
+  }
   const vardel::CCardData card = format == nullptr || isEMFrame
                                      ? facade.AnalyzeCardData(frame)
                                      : format->AnalyzeCardData(frame).value();
   error = card.ErrName;
   if (card.Facility.empty() && card.CardID.empty()) return "(blank)";
-  return "facility '" + card.Facility + "' card ID '" + card.CardID + "' revision '" +
-         card.Revision + "'";
+  return FieldsOf(card);
+}
+
+void PrintMatches(const Unknown& unknown) {
+  for (const auto& [pair, matches] : unknown) {
+    std::cout << "\n"
+              << matches.ReadCount() << " reads of type " << pair.first << ", sub-type "
+              << pair.second << ", " << matches.BlankCount() << " of them blank, could be\n";
+    for (const vardel::CCardMatch& match : matches.Matches()) {
+      const std::string parity =
+          match.HasParity ? "parity holds in " + std::to_string(match.ParityHolds) : "no parity";
+      std::cout << "  " << std::setw(24) << match.ClassName << std::setw(20) << parity
+                << "unused bits in " << match.UnusedSet << ", beyond limits " << match.BeyondLimits;
+      // Beyond the limits is what does not make sense, unprintable characters among it.
+      if (match.BeyondLimits == 0) std::cout << ": " << FieldsOf(match.Cards.front());
+      std::cout << "\n";
+    }
+  }
 }
 
 /// What became of the lines of a file.
@@ -244,9 +274,11 @@ int main(int argc, char** argv) try {
       PrintFile(argv[1], cardLines, 5, "bytes of the card",
                 [&](const Cells& row, std::string& error) { return Encode(facade, row, error); });
   std::cout << "\n";
-  const Totals reads =
-      PrintFile(argv[2], readLines, 4, "card",
-                [&](const Cells& row, std::string& error) { return Decode(facade, row, error); });
+  Unknown unknown;
+  const Totals reads = PrintFile(argv[2], readLines, 4, "card", [&](const Cells& row, auto& error) {
+    return Decode(facade, row, unknown, error);
+  });
+  PrintMatches(unknown);
   std::cout << "\ncards: " << cards << "\nreads: " << reads << "\n";
   return cards.badLines + reads.badLines == 0 ? 0 : 1;
 } catch (const std::exception& failure) {

@@ -4,6 +4,7 @@
 #include <vardel/core/hex.h>
 #include <vardel/core/host_fault.h>
 #include <vardel/facade/card.h>
+#include <vardel/facade/card_matches.h>
 #include <vardel/facade/card_types.h>
 #include <vardel/format/descriptor_members.h>
 
@@ -183,6 +184,7 @@ struct Host {
   std::shared_ptr<CCardFormatInfo> format{};
   CCard facade{};
   CCardTypes types{};
+  CCardMatches matches{};
   CCardByteData bytes{};
   CByteArrayData description{};
   CCardFrame frame{};
@@ -361,9 +363,46 @@ void DecodeByFacade(Host& h) {
         "the facade decodes as its format");
 }
 
+/// Adds a read to the earlier ones; a steady one is asked about by itself, too.
+void Match(Host& h) {
+  const Frame frame(h.in, h.row);
+  const int reads = h.matches.ReadCount();
+  const int end = EndOf([&] { h.matches.Add(frame); });
+  Check(end <= 0 && h.matches.ReadCount() == reads + (end == 0), "a read fails or is added");
+  for (const CCardMatch& match : h.matches.Matches()) {
+    const int count = match.CardCount();
+    Check(count == h.matches.ReadCount() - h.matches.BlankCount(), "a match takes all reads");
+    Check(match.ParityHolds <= (match.HasParity ? count : 0) && match.UnusedSet <= count &&
+              match.BeyondLimits <= count,
+          "a match counts its reads");
+  }
+
+  const std::vector<std::uint8_t> bytes = frame.Steady();
+  if (bytes.size() < 16) return;
+  const CCardMatches one = MatchCardData(frame);
+  const auto own = std::ranges::find(one.Matches(), h.row->ClassName, &CCardMatch::ClassName);
+  const bool isMatch = own != one.Matches().end();
+  Check(isMatch == (one.BlankCount() == 0), "16 bytes that are not blank fit all formats");
+  if (!isMatch) return;
+  const Answer card = AskDecoder(*h.row->Create(), frame);
+  Check(own->Cards[0].Facility == card.facility && own->Cards[0].CardID == card.cardID &&
+            own->Cards[0].Revision == card.revision,
+        "a match gives what its format decodes");
+  const NumberLayout* const layout = h.Layout();
+  Check(own->HasParity == (layout != nullptr && !layout->parities.empty()), "who has parity");
+  if (!own->HasParity) return;
+  const auto record =
+      NumberCard(*layout, std::stoull(card.facility), std::stoull(card.cardID)).record;
+  int others = 0;
+  for (std::size_t k = 0; k < layout->ruler.size(); ++k) {
+    others += (record.Bytes[k / 8] ^ bytes[k / 8]) >> k % 8 & 1;
+  }
+  Check(own->ParityHolds == (others == 0), "parity holds where all bits are as in a new card");
+}
+
 // The steps that an input is made of: conversions, the members of a format, and all other calls.
 using Step = void (*)(Host&);
-constexpr Step kConversions[] = {Encode, Decode, EncodeByFacade, DecodeByFacade};
+constexpr Step kConversions[] = {Encode, Decode, EncodeByFacade, DecodeByFacade, Match};
 
 #define FIELD(id, name, type) \
   [](Host& h) { h.format->name = h.in.Take<decltype(h.format->name)>(); },
@@ -431,6 +470,9 @@ constexpr Step kOthers[] = {
     [](Host& h) { h.frame.RawCardHex(h.key); },
     [](Host& h) { h.frame.CardDataStruct(h.bytes.CardDataStruct); },
     [](Host& h) { h.format->AnalyzeCardData(h.frame); },
+    // What the reads so far can be.
+    [](Host& h) { h.matches.Item(h.type)->CardData(h.subType); },
+    [](Host& h) { h.matches.Clear(); },
 };
 
 }  // namespace

@@ -7,7 +7,7 @@ function fault(call) {
 var names = ("CError CCardData CCardByteData CByteArrayData CCardFormatInfo CCardFormatEM " +
     "CCardFormatHIDStandard CCardFormatBinary26 CCardFormat37Bits CCardFormatHIDCorp1000 " +
     "CCardFormat34Bits CCardFormatUID32BIts CCardFormatLG CCardFormatWoori CCardFormatDongSeo " +
-    "CCard CCardTypes CCardType CCardFrame").split(" "), made = 0;
+    "CCard CCardTypes CCardType CCardFrame CCardMatch CCardMatches").split(" "), made = 0;
 for (var i in names) if (typeof new ActiveXObject("Vardel." + names[i]) === "object") ++made;
 WScript.Echo("classes", made);
 card.CardType = 2; card.CardSubType = 5; card.Facility = "100"; card.CardID = 12345;

@@ -2,7 +2,7 @@
 For Each name In Split("CError CCardData CCardByteData CByteArrayData CCardFormatInfo " & _
     "CCardFormatEM CCardFormatHIDStandard CCardFormatBinary26 CCardFormat37Bits " & _
     "CCardFormatHIDCorp1000 CCardFormat34Bits CCardFormatUID32BIts CCardFormatLG " & _
-    "CCardFormatWoori CCardFormatDongSeo CCard CCardTypes CCardType CCardFrame")
+    "CCardFormatWoori CCardFormatDongSeo CCard CCardTypes CCardType CCardFrame CCardMatch CCardMatches")
   WScript.Echo name, TypeName(CreateObject("Vardel." & name))
 Next
 Set facade = CreateObject("Vardel.CCard") : Set card = CreateObject("Vardel.CCardData")

@@ -95,7 +95,7 @@ TEST(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
         ASSERT_NE(stream, nullptr) << each.first << "." << dual.name;
       }
     }
-    EXPECT_EQ(sent.size(), 19U + 11U);  // formats and CCardFrame have two
+    EXPECT_EQ(sent.size(), 21U + 11U);  // formats and CCardFrame have two
     InApartment(COINIT_APARTMENTTHREADED, [&] {
       std::map<std::string, Value> received;
       for (const auto& [name, stream] : sent) {

@@ -1,6 +1,10 @@
 #include "tests/server/client.h"
+#include <vardel/core/card_frame.h>
+#include <vardel/facade/card_matches.h>
 
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 // Members of every class, by names and through vtables: each reaches its own counterpart in the
 // library, and answers, faults and objects come back as the library gives them.
@@ -252,6 +256,35 @@ TEST_P(Members, OfTheRegistryAndItsEntries) {
   EXPECT_EQ(Get(entry, {"TypeCode", "CardType", "CardSubType"}), "513|2|1|");
   EXPECT_EQ(Get(entry, {"InitData", "TypeCode", "CardType", "ErrNumber"}), "|0|2|5|");
   EXPECT_EQ(Get(entry, {"initAll", "ErrNumber"}), "|0|");
+}
+
+TEST_P(Members, OfMatchesAreThoseOfTheLibrary) {
+  const Value matches = New("CCardMatches"), frame = New("CCardFrame");
+  vardel::CCardMatches expected;
+  for (const char* hex :
+       {"7360C802000000000000000000000001", "30303030313230303030303334353037", "000000"}) {
+    EXPECT_EQ(Put(frame, "RawCardHex", {hex}) + Ask(matches, "Add", {frame}), "");
+    expected.Add(CCardFrame(0, 0, hex));
+  }
+  EXPECT_EQ(Ask(matches, "Add", {kNothing}), "fault 91");
+  EXPECT_EQ(Ask(matches, "Add", {New("CCardData")}), "fault 438");
+  EXPECT_EQ(Get(matches, {"ReadCount", "BlankCount", "Count"}), "3|1|10|");
+  for (int i = 0; i < 10; ++i) {
+    const Value match = Take(matches, "Item", {i});
+    EXPECT_EQ(match, Take(matches, "Item", {i}));
+    const CCardMatch& other = *expected.Item(i);
+    std::ostringstream text;
+    text << other.ClassName << '|' << other.CardType << '|' << other.CardSubType << '|'
+         << ValueText(other.HasParity) << '|' << other.ParityHolds << '|' << other.UnusedSet << '|'
+         << other.BeyondLimits << '|' << other.CardCount() << '|';
+    EXPECT_EQ(Get(match, {"ClassName", "CardType", "CardSubType", "HasParity", "ParityHolds",
+                          "UnusedSet", "BeyondLimits", "CardCount"}),
+              text.str());
+    EXPECT_EQ(Ask(Take(match, "CardData", {1}), "CardID"), other.Cards[1].CardID);
+    EXPECT_EQ(Ask(match, "CardData", {2}), "fault 9");
+  }
+  const Value first = Take(matches, "Item", {0});
+  EXPECT_EQ(Get(matches, {"Clear", "Count"}) + Get(first, {"CardCount"}), "|0|2|");
 }
 
 TEST_P(Members, EndWithFaultsThatSayWhatAndWhere) {

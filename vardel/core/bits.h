@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -69,11 +70,10 @@ constexpr std::uint64_t ParityOf(std::uint64_t value, const std::array<Parity, C
 }
 
 /// Whether a value holds the parity bits that its layout asks for.
-template <std::size_t Count>
-constexpr bool HasParity(std::uint64_t value, const std::array<Parity, Count>& layout) {
-  std::uint64_t positions = 0;
-  for (const Parity& parity : layout) positions |= std::uint64_t{1} << parity.position;
-  return (value & positions) == ParityOf(value & ~positions, layout);
+constexpr bool HasParity(std::uint64_t value, std::span<const Parity> layout) {
+  return std::ranges::all_of(layout, [value](const Parity& parity) {
+    return parity.Of(value) == (value & std::uint64_t{1} << parity.position);
+  });
 }
 
 }  // namespace vardel::bits

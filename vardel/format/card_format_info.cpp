@@ -19,7 +19,7 @@ std::int16_t MaskLength(const std::string& mask) {
 }  // namespace
 
 CCardFormatInfo::CCardFormatInfo(const FormatParameters& parameters)
-    : isSmartCard_(parameters.IsSmartCard) {
+    : cardLayout_(&parameters.Layout), isSmartCard_(parameters.IsSmartCard) {
   // All values are put one after the other, so that those that depend on others see them.
   CardType = parameters.CardType;
   CardSubType = parameters.CardSubType;
@@ -57,6 +57,8 @@ CCardFormatInfo::CCardFormatInfo(const FormatParameters& parameters)
   EidxCardID = parameters.CardID.Index.last;
   EidxRevision = parameters.Revision.Index.last;
 }
+
+const CardLayout& LayoutOf(const CCardFormatInfo& format) { return *format.cardLayout_; }
 
 bool CCardFormatInfo::IsFacilityValid(std::string_view /*InData*/) const { return false; }
 

@@ -12,6 +12,7 @@
 
 namespace vardel {
 
+struct CardLayout;
 struct FormatParameters;
 
 /// A card format: the numbers that describe its fields, and the four operations on card data. A
@@ -115,10 +116,12 @@ class CCardFormatInfo : public ErrorHolder {
   std::optional<CCardData> AnalyzeCardData(const ICardFrame* UserInfo);
 
  protected:
+  /// The parameters have to outlive the object.
   explicit CCardFormatInfo(const FormatParameters& parameters);
 
  private:
   friend class CCard;
+  friend const CardLayout& LayoutOf(const CCardFormatInfo& format);
 
   /// Encodes into a record of zeros; where a content error is recorded, it stays so in all formats
   /// but DongSeo.
@@ -126,6 +129,7 @@ class CCardFormatInfo : public ErrorHolder {
   /// Decodes into a new card; false gives none.
   virtual bool Decode(const ICardFrame& frame, CCardData& result);
 
+  const CardLayout* cardLayout_ = nullptr;
   bool isSmartCard_ = false;
 };
 

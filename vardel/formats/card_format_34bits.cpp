@@ -36,6 +36,7 @@ constexpr FormatParameters kParameters = {
         {.Bits = 16, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {1, 3}},
     .CardID = {.Bits = 16, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {0, 4}},
     .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = 0, .Mask = "", .Index = kNoBytes},
+    .Layout = {.Bits = 34, .Parity = kParity, .IsByteArray = true},
 };
 
 /// A field's two bytes, the low one at bit `position`, the high one 16 bits above.

@@ -31,6 +31,7 @@ constexpr FormatParameters kParameters = {
     .CardID =
         {.Bits = 19, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "999999", .Index = {0, 4}},
     .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = 0, .Mask = "", .Index = kNoBytes},
+    .Layout = {.Bits = 37, .Parity = kParity},
 };
 
 }  // namespace

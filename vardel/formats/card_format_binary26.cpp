@@ -31,6 +31,7 @@ constexpr FormatParameters kParameters = {
                .Mask = "999999999999999",
                .Index = {0, 4}},
     .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = 0, .Mask = "", .Index = kNoBytes},
+    .Layout = {.Bits = kWholeRead},
 };
 
 }  // namespace

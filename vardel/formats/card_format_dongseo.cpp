@@ -38,6 +38,7 @@ constexpr FormatParameters kParameters = {
                .Mask = "CCCCCCCCCCCCCCCC",
                .Index = {0, 3}},
     .Revision = {.Bits = 16, .Bytes = 2, .Min = 1, .Max = 9999, .Mask = "", .Index = {0, 0}},
+    .Layout = {.Bits = 80, .IsByteArray = true},
 };
 
 /// A field of `count` bytes from `start` on, its last character first.

@@ -35,6 +35,7 @@ constexpr FormatParameters kParameters = {
     .CardID =
         {.Bits = 19, .Bytes = 4, .Min = 1, .Max = kAllBits, .Mask = "999999", .Index = {0, 1}},
     .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = -1, .Mask = "", .Index = kNoBytes},
+    .Layout = {.Bits = 35, .Parity = kParity},
 };
 
 }  // namespace

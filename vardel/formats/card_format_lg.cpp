@@ -33,6 +33,7 @@ constexpr FormatParameters kParameters = {
     .CardID =
         {.Bits = 64, .Bytes = 8, .Min = 1, .Max = 99999999, .Mask = "AAAAAAAA", .Index = {6, 13}},
     .Revision = {.Bits = 16, .Bytes = 2, .Min = 1, .Max = 99, .Mask = "99", .Index = {14, 15}},
+    .Layout = {.Bits = 128},
 };
 
 }  // namespace

@@ -33,6 +33,7 @@ constexpr FormatParameters kParameters = {
                .Mask = "9999999999",
                .Index = {0, 3}},
     .Revision = {.Bits = 0, .Bytes = 0, .Min = 0, .Max = 0, .Mask = "", .Index = {0, 0}},
+    .Layout = {.Bits = 32},
 };
 
 }  // namespace

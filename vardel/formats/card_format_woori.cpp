@@ -38,6 +38,7 @@ constexpr FormatParameters kParameters = {
                .Mask = "CCCCCCCCCCCCC",
                .Index = {1, 13}},
     .Revision = {.Bits = 16, .Bytes = 2, .Min = 0, .Max = 99, .Mask = "99", .Index = {14, 15}},
+    .Layout = {.Bits = 128},
 };
 
 }  // namespace

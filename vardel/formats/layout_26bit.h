@@ -39,6 +39,7 @@ constexpr FormatParameters Parameters(CardType type, std::int16_t subType, std::
       .CardID =
           {.Bits = 16, .Bytes = 3, .Min = 1, .Max = kAllBits, .Mask = "99999", .Index = {0, 2}},
       .Revision = {.Bits = 0, .Bytes = 0, .Min = -1, .Max = -1, .Mask = "", .Index = kNoBytes},
+      .Layout = {.Bits = 26, .Parity = kParity},
   };
 }
 

@@ -5,7 +5,7 @@
 // begin with. Beside the kinds of the descriptor's list these are:
 //
 //   ACTION       no argument, no result
-//   ACTION2      two arguments, no result
+//   ACTION1..2   so many arguments, no result
 //   METHOD1..3   so many arguments, each a type and a name; then the result's type
 //   GET1, GET2   as METHOD, a get with arguments
 //   INDEXED      put, then get, of a value with one argument
@@ -119,6 +119,25 @@
   P##INDEXED(20, CardTypeName, BSTR, InCardTypeCode, BSTR)                                   \
   P##METHOD3(21, LetCardTypeName, long, InCardType, long, InCardSubType, BSTR, InName, long) \
   P##METHOD2(22, GetCardTypeName, long, InCardType, long, InCardSubType, BSTR)
+
+#define CARD_MATCH_MEMBERS(P)           \
+  P##GET(1, ClassName, BSTR)            \
+  P##GET(2, CardType, long)             \
+  P##GET(3, CardSubType, long)          \
+  P##GET(4, HasParity, VARIANT_BOOL)    \
+  P##GET(5, ParityHolds, long)          \
+  P##GET(6, UnusedSet, long)            \
+  P##GET(7, BeyondLimits, long)         \
+  P##READONLY(8, CardCount, long)       \
+  P##GET1(9, CardData, long, Index, _CCardData*)
+
+#define CARD_MATCHES_MEMBERS(P)         \
+  P##ACTION1(1, Add, IDispatch*, Read)  \
+  P##ACTION(2, Clear)                   \
+  P##READONLY(3, ReadCount, long)       \
+  P##READONLY(4, BlankCount, long)      \
+  P##READONLY(5, Count, long)           \
+  P##GET1(6, Item, long, Index, _CCardMatch*)
 
 // The members that the smart-card format classes' own interfaces share. They are numbered and typed
 // as in the descriptor's list; the error pair and the reversal flag have get before put, everything

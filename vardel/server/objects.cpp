@@ -6,6 +6,7 @@
 #include <vardel/core/card_data.h>
 #include <vardel/core/card_frame.h>
 #include <vardel/facade/card.h>
+#include <vardel/facade/card_matches.h>
 #include <vardel/facade/card_types.h>
 #include <vardel/format/descriptor_members.h>
 #include <vardel/formats/card_formats.h>
@@ -74,6 +75,7 @@ ObjectArgument<vardel::CCardData> In(::_CCardData** card) {
   return {card == nullptr ? nullptr : FromHost<vardel::CCardData>(*card)};
 }
 ObjectArgument<vardel::ICardFrame> In(IDispatch** frame) { return {ReadFrame(frame)}; }
+ObjectArgument<vardel::ICardFrame> In(IDispatch* frame) { return In(&frame); }
 
 /// What a host's format object makes of a card.
 vardel::CardDataStruct Encoded(::_CCardFormatInfo* format, ::_CCardData* card) {
@@ -188,6 +190,11 @@ ComPtr<::_CError> ErrorOf(Core& holder);
 #define CPP_ACTION(n, name)                          \
   STDMETHODIMP name() override {                     \
     return this->Call([&] { this->core().name(); }); \
+  }
+#define CPP_ACTION1(n, name, T1, N1)                      \
+  STDMETHODIMP name(T1 a) override {                      \
+    const auto keep = this->Keep();                       \
+    return this->Call([&] { this->core().name(In(a)); }); \
   }
 #define CPP_ACTION2(n, name, T1, N1, T2, N2)                     \
   STDMETHODIMP name(T1 a, T2 b) override {                       \
@@ -333,6 +340,42 @@ class CardTypesObject final : public Object<vardel::CCardTypes, ::_CCardTypes> {
   KeptObjects<::_CCardType> entries_;
 };
 
+class CardMatchObject final : public Object<std::shared_ptr<vardel::CCardMatch>, ::_CCardMatch> {
+ public:
+  static constexpr char kName[] = "CCardMatch";
+  using Object::Object;
+  CARD_MATCH_MEMBERS(CPP_)
+};
+
+class CardMatchesObject final : public Object<vardel::CCardMatches, ::_CCardMatches> {
+ public:
+  static constexpr char kName[] = "CCardMatches";
+  using Object::Object;
+  CARD_MATCHES_MEMBERS(CPP_)
+
+ private:
+  using Match = std::shared_ptr<vardel::CCardMatch>;
+
+  template <class Out, class Make>
+  void Give(Out* out, Make&& make) {
+    if constexpr (std::is_same_v<Out, ::_CCardMatch*>) {
+      const Match match = make();
+      // Those of an earlier answer are nobody's but their holders'.
+      if (match.owner_before(answer_) || answer_.owner_before(match)) matches_ = {};
+      answer_ = match;
+      *out = matches_
+                 .Of(match,
+                     [](const Match& core) { return New<CardMatchObject>([&] { return core; }); })
+                 .Detach();
+    } else {
+      server::Give(out, make);
+    }
+  }
+
+  std::weak_ptr<vardel::CCardMatch> answer_;
+  KeptObjects<::_CCardMatch> matches_;
+};
+
 // --- the format classes ---
 
 using Format = std::shared_ptr<vardel::CCardFormatInfo>;
@@ -470,6 +513,8 @@ constexpr Row kRows[] = {
     Plain<CardObject>(CLSID_CCard),
     Plain<CardTypeObject>(CLSID_CCardType),
     Plain<CardTypesObject>(CLSID_CCardTypes),
+    Plain<CardMatchObject>(CLSID_CCardMatch),
+    Plain<CardMatchesObject>(CLSID_CCardMatches),
     FORMAT_CLASS(CCardFormatInfo, FormatObject),
     FORMAT_CLASS(CCardFormatEM, ProximityObject),
     FORMAT_CLASS(CCardFormatHIDStandard, ProximityObject),
