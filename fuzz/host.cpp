@@ -193,8 +193,15 @@ struct Host {
   std::int32_t type = 0, subType = 0, code = 0;
   std::string key{};
 
+  /// Any format, by its type and sub-type, which no further format changes, else by its place.
   void Create() {
-    row = &CardFormatClasses()[in.Byte() % CardFormatClasses().size()];
+    const auto rows = CardFormatClasses();
+    const std::uint8_t pair = in.Byte();
+    const auto isIt = [&](const auto& each) {
+      return each.CardType * 16 + each.CardSubType == pair;
+    };
+    const auto found = std::ranges::find_if(rows, isIt);
+    row = found != rows.end() ? &*found : &rows[pair % rows.size()];
     format = row->Create();
   }
   ErrorHolder& Holder() {

@@ -117,7 +117,7 @@ TEST(DescriptorsTest, HoldInNewObjects) {
     EXPECT_EQ(TextOf(row.CardType, row.CardSubType), TextOf(format->CardType, format->CardSubType));
   }
   for (const auto& [where, className, values] : Descriptors()) {
-    EXPECT_EQ(values.size(), kMembers.size());
+    EXPECT_EQ(values.size(), kMembers.size()) << "a column for each";
     for (const auto& [name, value] : values) {
       EXPECT_EQ(kMembers.at(name)(*objects.at(className), nullptr), value) << where << " " << name;
     }
@@ -167,8 +167,10 @@ TEST(FormatsTest, StandInAllListsOfThem) {
   for (const auto& [name, type, subType, isInFacade, isConverted, create] : CardFormatClasses()) {
     const std::string shortName(name.substr(11)), quoted = "`" + std::string(name) + "`";
     const std::string pair = std::to_string(type) + ", " + std::to_string(subType);
+    const std::string code = std::to_string(TypeCode(type, subType)) + " | ";
     const std::pair<std::string, std::string> rows[] = {
-        {"README.md", std::to_string(TypeCode(type, subType)) + " | " + pair + " | " + quoted},
+        {"README.md", code + pair + " | " + quoted},
+        {"docs/formats.md", code + "`" + shortName + "`"},
         {"docs/formats.md", quoted + ", type " + Replaced(pair, ",", ", sub-type")},
         {"docs/hosts.md", quoted},
         {"examples/scripts/objects.vbs", std::string(name) + " "},
