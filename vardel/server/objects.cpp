@@ -467,7 +467,9 @@ class Bits34Object final : public ProximityObject<Own> {
 // --- the table of classes ---
 
 struct Row : Class {
-  // Of a format's class: whether a format is of it, and a new object around the format.
+  // Of a format's class: its sub-type, whether a format is of it, and a new object around the
+  // format.
+  std::int32_t subType = 0;
   bool (*isOf)(const vardel::CCardFormatInfo& format) = nullptr;
   ComPtr<IUnknown> (*wrap)(const Format& format, const char* className) = nullptr;
 };
@@ -492,17 +494,20 @@ ComPtr<IUnknown> Wrap(const Format& format, const char* className) {
 }
 
 template <class Core, class ObjectClass>
-constexpr Row OfFormat(const char* name, const CLSID& id) {
+constexpr Row OfFormat(const char* name, const CLSID& id, std::int32_t subType) {
   return {{name, id,
            [](const char* className) {
              return Wrap<ObjectClass>(std::make_shared<Core>(), className);
            }},
+          subType,
           [](const vardel::CCardFormatInfo& format) { return typeid(format) == typeid(Core); },
           Wrap<ObjectClass>};
 }
 
+// With the sub-type as automation knows it.
 // NOLINTNEXTLINE(bugprone-macro-parentheses): a template, which takes none
-#define FORMAT_CLASS(name, object) OfFormat<vardel::name, object<::_##name>>(#name, CLSID_##name)
+#define FORMAT_CLASS(name, object, subType) \
+  OfFormat<vardel::name, object<::_##name>>(#name, CLSID_##name, ::subType)
 
 constexpr Row kRows[] = {
     Plain<ErrorObject>(CLSID_CError),
@@ -515,23 +520,25 @@ constexpr Row kRows[] = {
     Plain<CardTypesObject>(CLSID_CCardTypes),
     Plain<CardMatchObject>(CLSID_CCardMatch),
     Plain<CardMatchesObject>(CLSID_CCardMatches),
-    FORMAT_CLASS(CCardFormatInfo, FormatObject),
-    FORMAT_CLASS(CCardFormatEM, ProximityObject),
-    FORMAT_CLASS(CCardFormatHIDStandard, ProximityObject),
-    FORMAT_CLASS(CCardFormatBinary26, ProximityObject),
-    FORMAT_CLASS(CCardFormat37Bits, ProximityObject),
-    FORMAT_CLASS(CCardFormatHIDCorp1000, Corp1000Object),
-    FORMAT_CLASS(CCardFormat34Bits, Bits34Object),
-    FORMAT_CLASS(CCardFormatUID32BIts, SmartCardObject),
-    FORMAT_CLASS(CCardFormatLG, SmartCardObject),
-    FORMAT_CLASS(CCardFormatWoori, SmartCardObject),
-    FORMAT_CLASS(CCardFormatDongSeo, SmartCardObject),
+    FORMAT_CLASS(CCardFormatInfo, FormatObject, CARD_UNKNOWN),
+    FORMAT_CLASS(CCardFormatEM, ProximityObject, CARD_SUB_EM_STD_26BITS),
+    FORMAT_CLASS(CCardFormatHIDStandard, ProximityObject, CARD_SUB_HID_STD),
+    FORMAT_CLASS(CCardFormatBinary26, ProximityObject, CARD_SUB_HID_FULL_BIN),
+    FORMAT_CLASS(CCardFormat37Bits, ProximityObject, CARD_SUB_HID_37BITS),
+    FORMAT_CLASS(CCardFormatHIDCorp1000, Corp1000Object, CARD_SUB_HID_CORPORATES1000),
+    FORMAT_CLASS(CCardFormat34Bits, Bits34Object, CARD_SUB_HID_34BITS),
+    FORMAT_CLASS(CCardFormatUID32BIts, SmartCardObject, CARD_SUB_MI_UID_32BITS),
+    FORMAT_CLASS(CCardFormatLG, SmartCardObject, CARD_SUB_MI_LG),
+    FORMAT_CLASS(CCardFormatWoori, SmartCardObject, CARD_SUB_MI_WOORI_BANK),
+    FORMAT_CLASS(CCardFormatDongSeo, SmartCardObject, CARD_SUB_MI_DONGSEO),
 };
 
 constexpr bool HasRow(const CardFormatClass& format) {
-  return std::ranges::any_of(kRows, [&](const Row& row) { return format.ClassName == row.name; });
+  return std::ranges::any_of(kRows, [&](const Row& row) {
+    return format.ClassName == row.name && format.CardSubType == row.subType;
+  });
 }
-static_assert(std::ranges::all_of(kFormatTable, HasRow), "a format has no class here");
+static_assert(std::ranges::all_of(kFormatTable, HasRow), "a format has no row here");
 
 ComPtr<::_CCardFormatInfo> NewFormatObject(const Format& format) {
   const auto* const row = std::ranges::find_if(
