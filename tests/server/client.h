@@ -1,12 +1,12 @@
 #pragma once
 
-#include "tests/server/library_types.h"
+#include "tests/server/server.h"
 #include "tests/vectors.h"
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <ostream>
-#include <span>
 
 namespace vardel::server {
 
@@ -25,6 +25,7 @@ struct Value : Variant {
     vt = VT_DISPATCH;
     pdispVal = ComPtr<IDispatch>::Share(object).Detach();
   }
+  Value(SAFEARRAY* bytes) { vt = VT_ARRAY | VT_UI1, parray = bytes; }
 
   template <class T>
   std::span<T> Elements() const {
@@ -47,45 +48,45 @@ struct Value : Variant {
     EXPECT_EQ(VariantChangeType(&number, &number, 0, VT_R8), S_OK) << "of type " << vt;
     return ValueText(number.dblVal);
   }
+  template <class Interface>
+  ComPtr<Interface> As() const {
+    return ComPtr<IDispatch>::Share(pdispVal).As<Interface>();
+  }
   /// The same object.
   bool operator==(const Value& other) const {
-    return ComPtr<IDispatch>::Share(pdispVal).As<IUnknown>().get() ==
-           ComPtr<IDispatch>::Share(other.pdispVal).As<IUnknown>().get();
+    return As<IUnknown>().get() == other.As<IUnknown>().get();
   }
 };
+inline const Value kNothing = static_cast<IDispatch*>(nullptr);
+inline const Value kMissing = VARIANT{{{VT_ERROR, 0, 0, 0, {.scode = DISP_E_PARAMNOTFOUND}}}};
 inline void PrintTo(const Value& value, std::ostream* out) { *out << value.Text(); }
 
-/// How a host calls: by names, as scripts do, or through vtables, as compiled programs do.
-enum class Binding { Names, Vtables };
-inline void PrintTo(Binding binding, std::ostream* out) {
-  *out << (binding == Binding::Names ? "Names" : "Vtables");
-}
-
-/// A host of one kind, without any registry. A failure is "fault 6", or "status 3" with the lower
-/// half of a status.
+/// A host that calls by names, as scripts do, without any registry.
 class Client {
  public:
   static constexpr int kGets = INVOKE_FUNC | INVOKE_PROPERTYGET;
   static constexpr int kPuts = INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF;
   using Values = std::vector<Value>;
 
-  explicit Client(Binding binding) : binding_(binding) {}
   ~Client() {
     SetErrorInfo(0, nullptr);
-    EXPECT_EQ(module_.CanUnloadNow(), S_OK) << "an object is left";
+    EXPECT_EQ(module_.CanUnloadNow(), before_) << "an object is left";
   }
 
   Value New(const std::string& className) const {
     static const auto classes = LibraryClasses();
     return module_.Create<IDispatch>(classes.at(className)).get();
   }
-  Value NewCard(const CCardData& data) const {
-    Value card = New("CCardData");
+  void Fill(const Value& card, const CCardData& data) const {
     Put(card, "CardType", {data.CardType});
     Put(card, "CardSubType", {data.CardSubType});
     Put(card, "Facility", {data.Facility});
     Put(card, "CardID", {data.CardID});
     Put(card, "Revision", {data.Revision});
+  }
+  Value NewCard(const CCardData& data) const {
+    Value card = New("CCardData");
+    Fill(card, data);
     return card;
   }
 
@@ -93,47 +94,84 @@ class Client {
   std::string Ask(const Value& object, const std::string& member, const Values& arguments = {},
                   Value* result = nullptr) const {
     Value own;
-    const Outcome outcome = Try(object, member, kGets, arguments, result ? result : &own);
-    return FAILED(outcome.status) ? Failure(outcome) : (result ? result : &own)->Text();
+    if (result == nullptr) result = &own;
+    const Outcome outcome = Try(object, member, kGets, arguments, result);
+    return outcome.failure.empty() ? result->Text() : outcome.failure;
   }
   /// What a method or a get gives, which has to be an object or a value of its own.
   Value Take(const Value& object, const std::string& member, const Values& arguments = {}) const {
     Value result;
-    EXPECT_EQ(Try(object, member, kGets, arguments, &result).status, S_OK) << member;
+    EXPECT_EQ(Try(object, member, kGets, arguments, &result).failure, "") << member;
     return result;
   }
-  /// Puts the last of the arguments; gives "" or the failure.
+  /// Puts the last of the arguments; gives the failure.
   std::string Put(const Value& object, const std::string& member, const Values& arguments) const {
-    const Outcome outcome = Try(object, member, kPuts, arguments, nullptr);
-    return FAILED(outcome.status) ? Failure(outcome) : "";
+    return Try(object, member, kPuts, arguments, nullptr).failure;
   }
   Outcome Try(const Value& object, const std::string& member, int kinds, Values arguments,
               Value* result) const {
     std::vector<VARIANT*> pointers;
     for (Value& argument : arguments) pointers.push_back(&argument);
-    if (binding_ == Binding::Names) {
-      const bool isObject = kinds == kPuts && arguments.back().vt == VT_DISPATCH;
-      if (kinds == kPuts) kinds = isObject ? INVOKE_PROPERTYPUTREF : INVOKE_PROPERTYPUT;
-      return Call(object.pdispVal, Wide(member), static_cast<WORD>(kinds), pointers, result);
-    }
-    HRESULT status = DISP_E_UNKNOWNNAME;
-    ForEachOperation(object.pdispVal, [&](const auto& dual, const auto& each, const auto& name) {
-      if (status != DISP_E_UNKNOWNNAME || name != member || (each.invkind & kinds) == 0) return;
-      status = CallVtable(object.pdispVal, dual, each, pointers, result);
-    });
-    return EarlyOutcome(status);
+    const bool isObject = kinds == kPuts && arguments.back().vt == VT_DISPATCH;
+    if (kinds == kPuts) kinds = isObject ? INVOKE_PROPERTYPUTREF : INVOKE_PROPERTYPUT;
+    return Call(object.pdispVal, member, static_cast<WORD>(kinds), pointers, result);
   }
 
- private:
-  static std::string Failure(const Outcome& outcome) {
-    const long status = outcome.status & 0xFFFF;
-    if (outcome.status != DISP_E_EXCEPTION) return "status " + std::to_string(status);
-    EXPECT_TRUE(outcome.source.starts_with(L"Vardel.C") && !outcome.description.empty());
-    return FaultAnswer(outcome.fault);
-  }
-
-  Binding binding_;
+ protected:
   ServerModule module_;
+  const HRESULT before_ = module_.CanUnloadNow();
+};
+
+/// An object of a host's own, on the stack, with its interface only.
+template <class Interface>
+class HostObject : public ComObject<Interface> {
+ public:
+  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+  STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                      UINT*) override {
+    return E_NOTIMPL;
+  }
+};
+
+/// A frame with our interface, or with members of the right names only.
+class HostFrame final : public HostObject<::ICardFrame> {
+ public:
+  LONG type = 0, subType = 0;
+  std::optional<std::vector<std::uint8_t>> bytes;  // without them RawCardBytes is a text
+  std::wstring hex;
+  HRESULT failure = S_OK;  // of RawCardHex
+
+  /// The frame as an object that has nothing but the names.
+  Value ByNames() {
+    ComPtr<ITypeInfo> info;
+    ComPtr<IUnknown> names;
+    Require(TypeLibrary()->GetTypeInfoOfGuid(__uuidof(::ICardFrame), info.out()));
+    Require(CreateStdDispatch(nullptr, this, info.get(), names.out()));
+    return names.As<IDispatch>().get();
+  }
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    const bool isDispatch = iid == IID_IDispatch;
+    return ComObject::QueryInterface(isDispatch ? __uuidof(::ICardFrame) : iid, object);
+  }
+  STDMETHODIMP get_FrameCardType(LONG* value) override { return *value = type, S_OK; }
+  STDMETHODIMP get_FrameCardSubType(LONG* value) override { return *value = subType, S_OK; }
+  STDMETHODIMP get_IsEMFrame(VARIANT_BOOL* value) override { return *value = VARIANT_FALSE, S_OK; }
+  STDMETHODIMP get_RawCardBytes(VARIANT* value) override {
+    Value given = bytes ? Value(NewByteArray(*bytes)) : Value("0102030405060708");
+    return VariantCopy(value, &given);
+  }
+  STDMETHODIMP get_RawCardHex(BSTR* value) override {
+    *value = SysAllocStringLen(hex.data(), static_cast<UINT>(hex.size()));
+    if (SUCCEEDED(failure)) return S_OK;
+    ComPtr<ICreateErrorInfo> info;
+    CreateErrorInfo(info.out());
+    info->SetDescription(const_cast<wchar_t*>(L"the frame's own failure"));
+    SetErrorInfo(0, info.As<IErrorInfo>().get());
+    return failure;
+  }
 };
 
 }  // namespace vardel::server

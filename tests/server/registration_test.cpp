@@ -1,10 +1,9 @@
 // What registration writes, and that nothing of it stays. The scripts use it.
 
-#include "tests/server/library_types.h"
+#include "tests/server/server.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -20,44 +19,35 @@ using Keys = std::set<std::wstring>;
 /// Says our name or one of our GUIDs, which all have the same end.
 bool IsOurs(std::wstring text) {
   CharUpperW(text.data());
-  return text.find(L"-93AD-4C1F-8B26-D04FA1E37C58}") != std::wstring::npos ||
-         text.find(L"VARDEL") != std::wstring::npos;
+  return text.find(L"-93AD-4C1F-8B26-D04FA1E37C58}") != text.npos ||
+         text.find(L"VARDEL") != text.npos;
 }
 
 /// What is ours by its path or values. The keys of 32-bit programs count like all others: some of
 /// them are the same ones.
 Keys Collected(HKEY parent, const wchar_t* name = L"Software\\Classes",
                const std::wstring& path = {}) {
-  Keys keys;
   HKEY key = nullptr;
-  if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS)
-    return keys;
+  if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) return {};
   std::wstring line = path;
   for (const std::wstring valueName : {L"", L"ThreadingModel", L"Version"}) {
     wchar_t value[1024] = {};
     DWORD bytes = sizeof(value);
-    if (RegGetValueW(key, nullptr, valueName.c_str(), RRF_RT_REG_SZ, nullptr, value, &bytes) ==
-        ERROR_SUCCESS) {
-      line += L" " + valueName + L"=" + value;
-    }
+    const bool isThere = RegGetValueW(key, nullptr, valueName.c_str(), RRF_RT_REG_SZ, nullptr,
+                                      value, &bytes) == ERROR_SUCCESS;
+    if (isThere) line += L" " + valueName + L"=" + value;
   }
+  Keys keys;
   if (IsOurs(line)) keys.insert(line);
   // The many thousands of keys below other libraries' classes and interfaces take their time.
   const bool isOthers = std::ranges::count(path, L'\\') > 1 && !IsOurs(line);
   wchar_t child[256];
   for (DWORD i = 0; !isOthers && RegEnumKeyW(key, i, child, 256) == ERROR_SUCCESS; ++i) {
-    CharUpperW(child);
-    const bool isOtherView = std::wstring(child) == L"WOW6432NODE";
+    const bool isOtherView = CharUpperW(child) == std::wstring(L"WOW6432NODE");
     keys.merge(Collected(key, child, isOtherView ? path : path + L"\\" + child));
   }
   RegCloseKey(key);
   return keys;
-}
-
-std::wstring Text(REFGUID guid) {
-  wchar_t text[40] = {};
-  StringFromGUID2(guid, text, 40);
-  return text;
 }
 
 /// The lines of registry_keys.txt for a type, or for the library, filled in.
@@ -92,10 +82,10 @@ void Remove(const std::wstring& key) { RegDeleteTreeW(HKEY_LOCAL_MACHINE, Path(k
 class Registration : public testing::Test {
  protected:
   Registration() {
-    for (const auto& [info, type] : LibraryTypes()) {
-      const bool isClass = type.typekind == TKIND_COCLASS;
-      if (!isClass && type.typekind != TKIND_DISPATCH) continue;
-      keys_.merge(KeysOf(isClass ? L"class" : L"interface", type.guid, Name(info)));
+    for (const LibraryType& type : LibraryTypes()) {
+      const bool isClass = type.attributes.typekind == TKIND_COCLASS;
+      const auto kind = isClass ? L"class" : type.isInterface ? L"interface" : L"";
+      keys_.merge(KeysOf(kind, type.attributes.guid, type.name));
     }
     ExpectKeys({}, {});
   }
@@ -114,9 +104,9 @@ class Registration : public testing::Test {
       EXPECT_EQ(difference, Keys()) << (root == HKEY_CURRENT_USER ? "user" : "machine");
     }
   }
-  HRESULT Call(const char* entry) const { return module_.Entry<HRESULT(WINAPI*)()>(entry)(); }
+  HRESULT Call(const char* entry) const { return module_.Call(entry); }
   HRESULT InstallForUser(BOOL install) const {
-    return module_.Entry<HRESULT(WINAPI*)(BOOL, PCWSTR)>("DllInstall")(install, L"user");
+    return module_.Call<BOOL, PCWSTR>("DllInstall", install, L"user");
   }
 
   ServerModule module_;

@@ -1,26 +1,24 @@
 // Holds the type library of vardel.dll against the public boundary that interfaces.txt lays down.
 
-#include "tests/server/library_types.h"
+#include "tests/server/server.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <regex>
-#include <sstream>
 
 namespace vardel::server {
 namespace {
 
-using Blocks = std::map<std::string, std::string>;  // by kind and name, such as "interface _CError"
 using Info = ComPtr<ITypeInfo>;
 
 std::string IdText(REFGUID id) {
   GUID ours = LIBID_Vardel;
   ours.Data1 = id.Data1;
-  wchar_t text[40] = {};
-  StringFromGUID2(id, text, 40);
-  const std::wstring all = CharLowerW(text);
-  return ' ' + Utf8(std::wstring_view(id == ours ? all.substr(1, 8) : all));
+  std::wstring text = Text(id);
+  CharLowerW(text.data());
+  return ' ' + Utf8(std::wstring_view(id == ours ? text.substr(1, 8) : text));
 }
 
 std::string TypeText(const Info& info, const TYPEDESC& type) {
@@ -34,20 +32,22 @@ std::string TypeText(const Info& info, const TYPEDESC& type) {
 }
 
 /// Parameters and type.
-std::string Signature(const Info& info, const FUNCDESC& operation) {
-  std::vector<BSTR> names(static_cast<UINT>(operation.cParams) + 1);
+std::string Signature(const Operation& operation) {
+  std::vector<BSTR> names(static_cast<UINT>(operation->cParams) + 1);
   UINT count = static_cast<UINT>(names.size());
-  Require(info->GetNames(operation.memid, names.data(), count, &count));
+  Require(operation.info->GetNames(operation->memid, names.data(), count, &count));
   std::string parameters, result;
   for (UINT i = 0; i + 1 < names.size(); ++i) {
-    const ELEMDESC& parameter = operation.lprgelemdescParam[i];
+    const ELEMDESC& parameter = operation->lprgelemdescParam[i];
     const int flags = parameter.paramdesc.wParamFlags;
-    std::string type = (flags & PARAMFLAG_FOPT) != 0 ? "optional " : "";
+    // A platform's dispatcher leaves out only what has a default.
+    constexpr int kOptional = PARAMFLAG_FOPT | PARAMFLAG_FHASDEFAULT;
+    std::string type = (flags & kOptional) == kOptional ? "optional " : "";
     if ((flags & PARAMFLAG_FOUT) != 0) type += (flags & PARAMFLAG_FIN) != 0 ? "inout " : "out ";
-    type += TypeText(info, parameter.tdesc);
+    type += TypeText(operation.info, parameter.tdesc);
     if (IsResult(parameter)) {
       result = ' ' + type.substr(4, type.size() - 5);  // what the out pointer leads to
-    } else if (operation.invkind >= INVOKE_PROPERTYPUT && i + 2 == names.size()) {
+    } else if (operation->invkind >= INVOKE_PROPERTYPUT && i + 2 == names.size()) {
       result = ' ' + type;
     } else {
       parameters += (i == 0 ? "(" : ", ") + type + ' ' + Utf8(names[i + 1]);
@@ -57,76 +57,86 @@ std::string Signature(const Info& info, const FUNCDESC& operation) {
   return parameters + (parameters.empty() ? "" : ")") + result;
 }
 
-/// Adds what an interface, a class or a type with members has.
-void AddOperations(const DualInterface& dual, std::string& text) {
-  static const std::map<int, std::string> kinds = {{INVOKE_FUNC, " method "},
-                                                   {INVOKE_PROPERTYGET, " get "},
-                                                   {INVOKE_PROPERTYPUT, " put "},
-                                                   {INVOKE_PROPERTYPUTREF, " putref "}};
+/// Number, name and signature of an operation, or of a value's put and get, and which of them it
+/// is.
+using Entries = std::vector<std::pair<std::string, std::string>>;
+
+Entries EntriesOf(const std::vector<Operation>& operations, const std::string& prefix = "",
+                  int more = 0) {
+  static const std::map<int, std::string> kinds = {{INVOKE_FUNC, "method"},
+                                                   {INVOKE_PROPERTYGET, "get"},
+                                                   {INVOKE_PROPERTYPUT, "put"},
+                                                   {INVOKE_PROPERTYPUTREF, "putref"}};
+  Entries entries;
   auto offset = 7 * sizeof(void*);  // after the operations of IDispatch
-  ForEachOperation(dual, [&](const FUNCDESC& each, const std::string& name) {
-    EXPECT_EQ(each.oVft, std::exchange(offset, offset + sizeof(void*))) << name;
-    EXPECT_TRUE(each.callconv == CC_STDCALL && each.elemdescFunc.tdesc.vt == VT_HRESULT) << name;
-    text += '\n' + std::to_string(each.memid) + kinds.at(each.invkind) + name;
-    text += Signature(dual.info, each);
-  });
-}
-void AddInterfaces(const Info& info, const TYPEATTR& type, std::string& text) {
-  EXPECT_TRUE(type.wTypeFlags & TYPEFLAG_FCANCREATE) << text;
-  for (int i = 0, flags = 0; i < type.cImplTypes; ++i) {
-    Require(info->GetImplTypeFlags(static_cast<UINT>(i), &flags));
-    EXPECT_EQ(flags, i == 0 ? IMPLTYPEFLAG_FDEFAULT : 0) << text;
-    text += ' ' + Name(Implemented(info, i));
+  for (const Operation& each : operations) {
+    EXPECT_EQ(each->oVft, std::exchange(offset, offset + sizeof(void*))) << each.name;
+    EXPECT_TRUE(each->callconv == CC_STDCALL && each->elemdescFunc.tdesc.vt == VT_HRESULT);
+    const std::string number = std::to_string(each->memid + more), kind = kinds.at(each->invkind);
+    const std::string text = number + ' ' + prefix + each.name + Signature(each);
+    const bool isSame = !entries.empty() && entries.back().first == text;
+    if (isSame) entries.back().second += '/' + kind;
+    if (!isSame) entries.emplace_back(text, kind);
   }
-}
-void AddMembers(const Info& info, const TYPEATTR& type, std::string& text) {
-  if (type.typekind == TKIND_RECORD) text += ' ' + std::to_string(type.cbSizeInstance) + " bytes";
-  for (UINT i = 0; i < type.cVars; ++i) {
-    VARDESC* each = nullptr;
-    Require(info->GetVarDesc(i, &each));
-    text += '\n' + Name(info, each->memid);
-    if (each->varkind == VAR_CONST) text += ' ' + std::to_string(each->lpvarValue->lVal);
-    info->ReleaseVarDesc(each);
-  }
+  return entries;
 }
 
-/// A list's lines with `offset` added to the numbers and the prefix before the names.
-std::string Used(const std::string& lines, int offset, const std::string& prefix) {
-  std::istringstream list(lines);
-  std::string used, kind, rest;
-  for (int number = 0; std::getline(list >> number >> kind >> std::ws, rest);) {
-    used += '\n' + std::to_string(offset + number) + ' ' + kind + ' ' + prefix + rest;
+/// The lines of an interface, where `general` ones are those of _CCardFormatInfo.
+std::string Lines(const Entries& entries, const Entries& general) {
+  std::string lines, lastKinds;
+  int last = 0;
+  for (const auto& [text, kinds] : entries) {
+    const bool isGeneral = std::ranges::count(general, text, &Entries::value_type::first) != 0;
+    const int number = std::stoi(text) - 100;
+    if (!isGeneral || kinds != lastKinds || number < last) lines += '\n' + kinds;
+    lines += ' ' + (isGeneral ? std::to_string(number) : text);
+    lastKinds = isGeneral ? kinds : "";
+    last = number;
   }
-  return used;
+  return lines;
 }
+
+std::string Interfaces(const LibraryType& type) {
+  std::string names;
+  EXPECT_TRUE(type.attributes.wTypeFlags & TYPEFLAG_FCANCREATE) << type.name;
+  for (int i = 0, flags = 0; i < type.attributes.cImplTypes; ++i) {
+    Require(type.info->GetImplTypeFlags(static_cast<UINT>(i), &flags));
+    EXPECT_EQ(flags, i == 0 ? IMPLTYPEFLAG_FDEFAULT : 0) << type.name;
+    names += ' ' + Name(Implemented(type.info, i));
+  }
+  return names;
+}
+std::string Variables(const LibraryType& type) {
+  const bool isRecord = type.attributes.typekind == TKIND_RECORD;
+  std::string lines;
+  if (isRecord) lines = ' ' + std::to_string(type.attributes.cbSizeInstance) + " bytes";
+  for (UINT i = 0; i < type.attributes.cVars; ++i) {
+    VARDESC* each = nullptr;
+    Require(type.info->GetVarDesc(i, &each));
+    lines += '\n' + Name(type.info, each->memid);
+    if (!isRecord) lines += ' ' + std::to_string(each->lpvarValue->lVal);
+    type.info->ReleaseVarDesc(each);
+  }
+  return lines;
+}
+
+/// By kind and name, such as "interface _CError".
+using Blocks = std::map<std::string, std::string>;
 
 Blocks ExpectedBlocks() {
-  const std::pair<const char*, const char*> rewritten[] = {
-      {"; ", "\n"}, {" = ", "\nuse "}, {"(\\d+) (\\w+)/(\\w+) (.*)", "$1 $2 $4\n$1 $3 $4"}};
-  std::stringstream text;
-  text << std::ifstream(VARDEL_TESTS "/server/interfaces.txt").rdbuf();
-  for (const auto& [from, to] : rewritten) {
-    text.str(std::regex_replace(text.str(), std::regex(from), to));
-  }
-  const std::regex kinds("(library|enum|record|class|interface|list) \\S+");
+  const std::regex header("(library|enum|record|class|interface) \\S+"), separator("; ");
+  std::ifstream file(VARDEL_TESTS "/server/interfaces.txt");
   Blocks blocks;
   std::string* block = nullptr;
-  std::smatch header;
-  for (std::string line; std::getline(text, line);) {
-    if (line.empty() || line.starts_with('#')) continue;
-    if (std::regex_search(line, header, kinds, std::regex_constants::match_continuous)) {
-      block = &blocks[header.str()];
-      *block = header.suffix();
-    } else if (line.starts_with("use ")) {
-      std::string use, name, prefix;
-      int offset = 0;
-      std::istringstream(line) >> use >> name >> offset >> prefix;
-      *block += Used(blocks.at("list " + name), offset, prefix);
-    } else {
-      *block += '\n' + line;
-    }
+  std::smatch match;
+  for (std::string line; std::getline(file >> std::ws, line);) {
+    if (line.starts_with('#')) continue;
+    line = std::regex_replace(line, separator, "\n");
+    const bool isHeader =
+        std::regex_search(line, match, header, std::regex_constants::match_continuous);
+    if (isHeader) block = &blocks[match.str()];
+    *block += isHeader ? match.suffix().str() : '\n' + line;
   }
-  std::erase_if(blocks, [](const auto& each) { return each.first.starts_with("list "); });
   return blocks;
 }
 
@@ -142,16 +152,18 @@ TEST(TypeLibrary, HoldsThePublicBoundaryAndNothingElse) {
                                                    std::to_string(attributes->wMajorVerNum) + '.' +
                                                    std::to_string(attributes->wMinorVerNum)}};
   library->ReleaseTLibAttr(attributes);
-  for (const auto& [info, type] : LibraryTypes()) {
-    const std::string name = Name(info);
-    std::string& text = built[kinds.at(type.typekind) + name] = IdText(type.guid);
-    if (type.typekind == TKIND_COCLASS) AddInterfaces(info, type, text);
-    if (type.typekind != TKIND_DISPATCH) {
-      AddMembers(info, type, text);
-    } else {
-      EXPECT_TRUE(type.wTypeFlags & TYPEFLAG_FDUAL) << name;
-      AddOperations({name, type.guid, Implemented(info, -1)}, text);
-    }
+  const auto info = std::ranges::find(LibraryTypes(), "_CCardFormatInfo", &LibraryType::name);
+  const Entries general = EntriesOf(info->operations, "CCardFormatInfo_", 100);
+  const std::string all = Lines(general, general);
+  for (const LibraryType& type : LibraryTypes()) {
+    std::string& text = built[kinds.at(type.attributes.typekind) + type.name];
+    text = IdText(type.attributes.guid);
+    if (type.attributes.typekind == TKIND_COCLASS) text += Interfaces(type);
+    if (!type.isInterface) text += Variables(type);
+    if (!type.isInterface) continue;
+    EXPECT_TRUE(type.attributes.wTypeFlags & TYPEFLAG_FDUAL) << type.name;
+    const std::string lines = Lines(EntriesOf(type.operations), general);
+    text += lines.starts_with(all) ? "\nall" + lines.substr(all.size()) : lines;
   }
 
   const Blocks expected = ExpectedBlocks();
