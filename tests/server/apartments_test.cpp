@@ -67,7 +67,7 @@ void ExpectLent(const Client& client, const Value& card, const Value& error, con
   for (const Outcome& outcome : {client.Try(raw, "Error", Client::kPuts, {error}, nullptr),
                                  client.Try(types, "Add", Client::kGets, {entry, 515}, nullptr)}) {
     EXPECT_EQ(outcome.failure, "fault 13");
-    EXPECT_NE(outcome.description.find(L"cannot be shared"), std::wstring::npos);
+    EXPECT_NE(outcome.description.find("cannot be shared"), std::string::npos);
   }
 }
 

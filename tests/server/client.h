@@ -91,12 +91,11 @@ class Client {
   }
 
   /// What a method or a get gives, as text, or the failure.
-  std::string Ask(const Value& object, const std::string& member, const Values& arguments = {},
-                  Value* result = nullptr) const {
-    Value own;
-    if (result == nullptr) result = &own;
-    const Outcome outcome = Try(object, member, kGets, arguments, result);
-    return outcome.failure.empty() ? result->Text() : outcome.failure;
+  std::string Ask(const Value& object, const std::string& member,
+                  const Values& arguments = {}) const {
+    Value result;
+    const Outcome outcome = Try(object, member, kGets, arguments, &result);
+    return outcome.failure.empty() ? result.Text() : outcome.failure;
   }
   /// What a method or a get gives, which has to be an object or a value of its own.
   Value Take(const Value& object, const std::string& member, const Values& arguments = {}) const {

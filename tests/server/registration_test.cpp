@@ -96,12 +96,13 @@ class Registration : public testing::Test {
   }
 
   static void ExpectKeys(const Keys& ofMachine, const Keys& ofUser) {
-    for (HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+    for (const auto& [root, expected] :
+         {std::pair(HKEY_LOCAL_MACHINE, ofMachine), std::pair(HKEY_CURRENT_USER, ofUser)}) {
+      const Keys found = Collected(root);
       Keys difference;
-      std::ranges::set_symmetric_difference(Collected(root),
-                                            root == HKEY_CURRENT_USER ? ofUser : ofMachine,
+      std::ranges::set_symmetric_difference(found, expected,
                                             std::inserter(difference, difference.end()));
-      EXPECT_EQ(difference, Keys()) << (root == HKEY_CURRENT_USER ? "user" : "machine");
+      EXPECT_EQ(difference, Keys()) << "of root " << root;
     }
   }
   HRESULT Call(const char* entry) const { return module_.Call(entry); }

@@ -20,11 +20,11 @@ Outcome Status(HRESULT status) {
 /// An exception, of a fault its number; the texts are taken over.
 Outcome Exception(HRESULT status, BSTR description, BSTR source) {
   const bool isFault = HRESULT_FACILITY(status) == FACILITY_CONTROL;
-  const Outcome outcome{"fault " + std::to_string(isFault ? status & 0xFFFF : status),
-                        Wide(Utf8(description)), Wide(Utf8(source))};
+  const long number = isFault ? status & 0xFFFF : status;
+  const Outcome outcome{"fault " + std::to_string(number), Utf8(description)};
+  EXPECT_TRUE(Utf8(source).starts_with("Vardel.C") && !outcome.description.empty());
   SysFreeString(description);
   SysFreeString(source);
-  EXPECT_TRUE(outcome.source.starts_with(L"Vardel.C") && !outcome.description.empty());
   return outcome;
 }
 

@@ -80,7 +80,7 @@ inline SAFEARRAY* NewByteArray(std::span<const std::uint8_t> bytes) {
 /// What a call came to.
 struct Outcome {
   std::string failure = {};  // "fault 6", "status 3" with a status's lower half, or "" for none
-  std::wstring description = {}, source = {};
+  std::string description = {};
 };
 /// Of an early-bound call: its status, or the error information that goes with it.
 Outcome EarlyOutcome(HRESULT status);
