@@ -63,12 +63,12 @@ void ExpectLent(const Client& client, const Value& card, const Value& error, con
   const Value raw = client.Take(client.New("CCard"), "MakeCardData", {card});
   EXPECT_EQ(client.Ask(raw, "CardDataStruct"), "7360C802");
 
-  const Value types = client.New("CCardTypes");
-  for (const Outcome& outcome : {client.Try(raw, "Error", Client::kPuts, {error}, nullptr),
-                                 client.Try(types, "Add", Client::kGets, {entry, 515}, nullptr)}) {
+  const auto expectFault = [](const Outcome& outcome) {
     EXPECT_EQ(outcome.failure, "fault 13");
     EXPECT_NE(outcome.description.find("cannot be shared"), std::string::npos);
-  }
+  };
+  expectFault(client.Try(raw, "Error", DISPATCH_PROPERTYPUTREF, {error}, nullptr));
+  expectFault(client.Try(client.New("CCardTypes"), "Add", DISPATCH_METHOD, {entry, 515}, nullptr));
 }
 
 TEST(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
@@ -78,9 +78,8 @@ TEST(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
     for (const auto& each : LibraryClasses()) {
       const Value object = client.New(each.first);
       for (const LibraryType& type : InterfacesOf(object.pdispVal)) {
-        IStream* const stream = Send(object, type.attributes.guid);
-        ASSERT_NE(stream, nullptr) << each.first << "." << type.name;
-        sent[each.first + "." + type.name] = stream;
+        const std::string name = each.first + "." + type.name;
+        ASSERT_NE(sent[name] = Send(object, type.attributes.guid), nullptr) << name;
       }
     }
     EXPECT_EQ(sent.size(), 19U + 11U);  // formats and CCardFrame have two
@@ -115,11 +114,9 @@ TEST(Apartments, AreNoMatterToHostsThatHaveNone) {
     });
     const Value format = Receive(stream);
     client.Fill(card, kCard);
-    // Early-bound: what stands behind the reference is the call's to replace.
-    ::_CCardData* argument = card.As<::_CCardData>().Detach();
+    auto argument = card.As<::_CCardData>();  // the call's to replace
     ::CardDataStruct record{};
-    EXPECT_EQ(format.As<::_CCardFormatInfo>()->MakeCardData(&argument, &record), S_OK);
-    ComPtr<::_CCardData>::Adopt(argument);
+    EXPECT_EQ(format.As<::_CCardFormatInfo>()->MakeCardData(argument.out(), &record), S_OK);
     EXPECT_EQ(record.Bytes[0], 0x73);
     EXPECT_EQ(client.Put(frame, "CardDataStruct", {NewByteArray(record.Bytes)}), "");
     EXPECT_EQ(frame.As<::_CCardFrame>()->put_CardDataStruct(&record), S_OK);

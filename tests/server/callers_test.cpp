@@ -83,15 +83,17 @@ TEST_F(Callers, MayPassObjectsOfAnotherLibraryAndFramesThatFail) {
 
 TEST_F(Callers, GetArgumentsConvertedOrRefused) {
   const Value facade = New("CCard"), card = New("CCardData"), raw = New("CCardByteData");
-  VARIANT nowhere{};
+  VARIANT nowhere{}, missing{};
   nowhere.vt = VT_BYREF | VT_I4;
+  missing.vt = VT_ERROR;
+  missing.scode = DISP_E_PARAMNOTFOUND;
   const std::tuple<const char*, Values, const char*> asked[] = {
       {"CardFormatByCode", {"513"}, "an object"}, {"CardFormatByCode", {513.4}, "an object"},
       {"CardFormatByCode", {3e9}, "fault 6"},     {"CardFormatByCode", {nowhere}, "fault 13"},
       {"CardFormat", {2, card}, "fault 13"},      {"CardFormat", {"two", 1}, "fault 13"},
       {"IsCardType", {true, 1}, "False"},         {"MakeCardData", {1}, "fault 13"},
       {"NoSuchMember", {}, "status 6"},           {"CardFormat", {2}, "status 14"},
-      {"CardFormat", {2, 1, 1}, "status 14"},     {"CardFormat", {2, kMissing}, "status 15"}};
+      {"CardFormat", {2, 1, 1}, "status 14"},     {"CardFormat", {2, missing}, "status 15"}};
   for (const auto& [member, arguments, answer] : asked) {
     EXPECT_EQ(Ask(facade, member, arguments), answer) << member;
   }
@@ -216,15 +218,8 @@ TEST_F(Callers, MayHaveADecimalCommaAndFramesThatRaiseNoFailure) {
   SetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, point);
   EXPECT_EQ(Ask(card, "CardID"), "12.5");
 
-  struct Raising final : HostObject<IDispatch> {
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* id) override {
-      return *id = 1, S_OK;
-    }
-    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception,
-                        UINT*) override {
-      return exception->scode = S_FALSE, DISP_E_EXCEPTION;
-    }
-  } raising;
+  HostFrame raising;
+  raising.raises = true;
   EXPECT_EQ(Ask(New("CCard"), "AnalyzeCardData", {&raising}), "fault " + std::to_string(E_FAIL));
 }
 

@@ -33,17 +33,12 @@ struct Value : Variant {
   }
   /// Numbers are digits, bytes and records hexadecimal ones without the zeros at the end.
   std::string Text() const {
-    std::string text;
     if (vt == VT_EMPTY) return "";
     if (vt == VT_BSTR) return Utf8(bstrVal);
     if (vt == VT_BOOL) return ValueText(boolVal == VARIANT_TRUE);
     if (vt == VT_DISPATCH) return pdispVal == nullptr ? "nothing" : "an object";
     if (vt == VT_RECORD) return RecordAnswer({static_cast<std::uint8_t*>(pvRecord), 32}, 0, "");
     if (vt == (VT_ARRAY | VT_UI1)) return RecordAnswer(Elements<std::uint8_t>(), 0, "");
-    if (vt == (VT_ARRAY | VT_VARIANT)) {
-      for (const VARIANT& each : Elements<VARIANT>()) text += Value(each).Text() + ' ';
-      return text;
-    }
     Value number = *this;
     EXPECT_EQ(VariantChangeType(&number, &number, 0, VT_R8), S_OK) << "of type " << vt;
     return ValueText(number.dblVal);
@@ -58,14 +53,12 @@ struct Value : Variant {
   }
 };
 inline const Value kNothing = static_cast<IDispatch*>(nullptr);
-inline const Value kMissing = VARIANT{{{VT_ERROR, 0, 0, 0, {.scode = DISP_E_PARAMNOTFOUND}}}};
 inline void PrintTo(const Value& value, std::ostream* out) { *out << value.Text(); }
 
 /// A host that calls by names, as scripts do, without any registry.
 class Client {
  public:
   static constexpr int kGets = INVOKE_FUNC | INVOKE_PROPERTYGET;
-  static constexpr int kPuts = INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF;
   using Values = std::vector<Value>;
 
   ~Client() {
@@ -105,14 +98,14 @@ class Client {
   }
   /// Puts the last of the arguments; gives the failure.
   std::string Put(const Value& object, const std::string& member, const Values& arguments) const {
-    return Try(object, member, kPuts, arguments, nullptr).failure;
+    const bool isObject = arguments.back().vt == VT_DISPATCH;
+    const int put = isObject ? INVOKE_PROPERTYPUTREF : INVOKE_PROPERTYPUT;
+    return Try(object, member, put, arguments, nullptr).failure;
   }
   Outcome Try(const Value& object, const std::string& member, int kinds, Values arguments,
               Value* result) const {
     std::vector<VARIANT*> pointers;
     for (Value& argument : arguments) pointers.push_back(&argument);
-    const bool isObject = kinds == kPuts && arguments.back().vt == VT_DISPATCH;
-    if (kinds == kPuts) kinds = isObject ? INVOKE_PROPERTYPUTREF : INVOKE_PROPERTYPUT;
     return Call(object.pdispVal, member, static_cast<WORD>(kinds), pointers, result);
   }
 
@@ -121,26 +114,14 @@ class Client {
   const HRESULT before_ = module_.CanUnloadNow();
 };
 
-/// An object of a host's own, on the stack, with its interface only.
-template <class Interface>
-class HostObject : public ComObject<Interface> {
- public:
-  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-  STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                      UINT*) override {
-    return E_NOTIMPL;
-  }
-};
-
-/// A frame with our interface, or with members of the right names only.
-class HostFrame final : public HostObject<::ICardFrame> {
+/// A host's own frame, on the stack: with our interface, or with members of the right names only.
+class HostFrame final : public ComObject<::ICardFrame> {
  public:
   LONG type = 0, subType = 0;
   std::optional<std::vector<std::uint8_t>> bytes;  // without them RawCardBytes is a text
   std::wstring hex;
   HRESULT failure = S_OK;  // of RawCardHex
+  bool raises = false;     // has names only, and raises an exception that is no failure
 
   /// The frame as an object that has nothing but the names.
   Value ByNames() {
@@ -153,7 +134,17 @@ class HostFrame final : public HostObject<::ICardFrame> {
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     const bool isDispatch = iid == IID_IDispatch;
+    if (raises && !isDispatch) return E_NOINTERFACE;
     return ComObject::QueryInterface(isDispatch ? __uuidof(::ICardFrame) : iid, object);
+  }
+  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* id) override {
+    return *id = 1, S_OK;
+  }
+  STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception,
+                      UINT*) override {
+    return exception->scode = S_FALSE, DISP_E_EXCEPTION;
   }
   STDMETHODIMP get_FrameCardType(LONG* value) override { return *value = type, S_OK; }
   STDMETHODIMP get_FrameCardSubType(LONG* value) override { return *value = subType, S_OK; }

@@ -90,8 +90,8 @@ class Registration : public testing::Test {
     ExpectKeys({}, {});
   }
   ~Registration() override {
-    EXPECT_EQ(Call("DllRegisterServer"), S_OK) << "so that all is ours to unregister";
-    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(module_.Call("DllRegisterServer"), S_OK) << "so that all is ours to unregister";
+    EXPECT_EQ(module_.Call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(InstallForUser(FALSE), S_OK);
   }
 
@@ -105,7 +105,6 @@ class Registration : public testing::Test {
       EXPECT_EQ(difference, Keys()) << "of root " << root;
     }
   }
-  HRESULT Call(const char* entry) const { return module_.Call(entry); }
   HRESULT InstallForUser(BOOL install) const {
     return module_.Call<BOOL, PCWSTR>("DllInstall", install, L"user");
   }
@@ -116,10 +115,10 @@ class Registration : public testing::Test {
 
 TEST_F(Registration, WritesTheKeysOfTheMachineOrTheUserAndCanBeUndone) {
   for (int i = 0; i < 2; ++i) {
-    ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+    ASSERT_EQ(module_.Call("DllRegisterServer"), S_OK);
     ExpectKeys(keys_, {});
   }
-  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(module_.Call("DllUnregisterServer"), S_OK);
   ASSERT_EQ(InstallForUser(TRUE), S_OK);
   ExpectKeys({}, keys_);
   EXPECT_EQ(InstallForUser(FALSE), S_OK);
@@ -129,7 +128,7 @@ TEST_F(Registration, WritesTheKeysOfTheMachineOrTheUserAndCanBeUndone) {
 TEST_F(Registration, ThatFailsPartWayLeavesNothingOrAnEarlierOne) {
   for (const bool isEarlier : {false, true}) {
     if (isEarlier) {
-      EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+      EXPECT_EQ(module_.Call("DllRegisterServer"), S_OK);
       SetText(kCardServer, L"C:\\earlier\\vardel.dll");
       Remove(L"Vardel.CCardTypes");
     }
@@ -138,18 +137,18 @@ TEST_F(Registration, ThatFailsPartWayLeavesNothingOrAnEarlierOne) {
                     REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &blocked, nullptr);
     RegCloseKey(blocked);
     const Keys before = Collected(HKEY_LOCAL_MACHINE);
-    EXPECT_EQ(Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
+    EXPECT_EQ(module_.Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
     ExpectKeys(before, {});
     Remove(L"Vardel.CCardTypes");
   }
 }
 
 TEST_F(Registration, LeavesAnotherDllsClassAndAnotherVersionsLibrary) {
-  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+  ASSERT_EQ(module_.Call("DllRegisterServer"), S_OK);
   const std::wstring library = L"TYPELIB\\" + Text(LIBID_Vardel);
   SetText(kCardServer, L"C:\\other.dll");
   SetText(library + L"\\2.0", L"Vardel 2.0");
-  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(module_.Call("DllUnregisterServer"), S_OK);
   Keys left = {L"\\" + library, L"\\" + library + L"\\2.0 =Vardel 2.0"};
   for (const auto& line : KeysOf(L"class", CLSID_CCard, "CCard")) {
     left.insert(std::regex_replace(line, std::wregex(L"=[^=]*vardel\\.dll"), L"=C:\\other.dll"));

@@ -95,10 +95,8 @@ void ExpectAnswer(const Client& client, const Value& object, const char* prefix,
 
 const Value& Changed(const Client& client, const Value& format, const Vector& vector) {
   for (const auto& [name, text] : vector.changes) {
-    char* end = nullptr;  // of a number, which the platform does not always read from text
-    const double number = std::strtod(text.c_str(), &end);
-    const bool isNumber = !text.empty() && *end == '\0';
-    EXPECT_EQ(client.Put(format, name, {isNumber ? Value(number) : Value(text)}), "");
+    const auto number = ParseAnyNumber(text);  // the platform does not read every one from text
+    EXPECT_EQ(client.Put(format, name, {number ? Value(*number) : Value(text)}), "");
   }
   return format;
 }
