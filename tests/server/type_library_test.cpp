@@ -12,14 +12,12 @@
 namespace vardel::server {
 namespace {
 
-using Info = ComPtr<ITypeInfo>;
-
 std::string IdText(REFGUID id) {
   const std::string text = Utf8(Text(id));
   return ' ' + (text.ends_with("-93AD-4C1F-8B26-D04FA1E37C58}") ? text.substr(1, 8) : text);
 }
 
-std::string TypeText(const Info& info, const TYPEDESC& type) {
+std::string TypeText(const ComPtr<ITypeInfo>& info, const TYPEDESC& type) {
   static const std::map<int, std::string> names = {
       {VT_BSTR, "text"},       {VT_UI1, "byte"},           {VT_I2, "short"},
       {VT_I4, "long"},         {VT_R8, "double"},          {VT_BOOL, "boolean"},
