@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <thread>
 
 // Objects used from other apartments than their own, without registration.
@@ -41,58 +42,44 @@ IStream* Send(const Value& object, REFIID iid) {
 }
 Value Receive(IStream* stream) {
   ComPtr<IDispatch> object;
-  EXPECT_EQ(
-      CoGetInterfaceAndReleaseStream(stream, IID_IDispatch, reinterpret_cast<void**>(object.out())),
-      S_OK);
+  EXPECT_EQ(CoGetInterfaceAndReleaseStream(stream, IID_PPV_ARGS(object.out())), S_OK);
   return object.get();
-}
-template <class Interface>
-ComPtr<Interface> As(const Value& object) {
-  return ComPtr<IDispatch>::Share(object.pdispVal).As<Interface>();
 }
 
 Value New(const std::string& progId) {
   CLSID id{};
   ComPtr<IDispatch> object;
   EXPECT_EQ(CLSIDFromProgID(Wide(progId).c_str(), &id), S_OK) << progId;
-  EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
-                             reinterpret_cast<void**>(object.out())),
-            S_OK)
+  EXPECT_EQ(CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(object.out())), S_OK)
       << progId;
   return object.get();
 }
 
-/// HID standard, 100/12345.
-void Fill(const Client& client, const Value& card) {
-  EXPECT_EQ(client.Put(card, "CardType", {2}), "");
-  EXPECT_EQ(client.Put(card, "CardSubType", {1}), "");
-  EXPECT_EQ(client.Put(card, "Facility", {"100"}), "");
-  EXPECT_EQ(client.Put(card, "CardID", {"12345"}), "");
-}
+const CCardData kCard{0, "", CARD_HID, CARD_SUB_HID_STD, "100", "12345", ""};
 
 /// Uses a card where another apartment, or another DLL, asks for one, and what would be shared.
 void ExpectLent(const Client& client, const Value& card, const Value& error, const Value& entry) {
-  Fill(client, card);
+  client.Fill(card, kCard);
   const Value raw = client.Take(client.New("CCard"), "MakeCardData", {card});
-  EXPECT_EQ(client.Ask(raw, "CardArrDataByIndex", {3}), "2");
+  EXPECT_EQ(client.Ask(raw, "CardDataStruct"), "7360C802");
 
   const auto expectFault = [](const Outcome& outcome) {
-    EXPECT_EQ(outcome.fault, 13);
-    EXPECT_NE(outcome.description.find(L"cannot be shared"), std::wstring::npos);
+    EXPECT_EQ(outcome.failure, "fault 13");
+    EXPECT_NE(outcome.description.find("cannot be shared"), std::string::npos);
   };
-  expectFault(client.Try(raw, "Error", Client::kPuts, {error}, nullptr));
-  expectFault(client.Try(client.New("CCardTypes"), "Add", Client::kGets, {entry, 515}, nullptr));
+  expectFault(client.Try(raw, "Error", DISPATCH_PROPERTYPUTREF, {error}, nullptr));
+  expectFault(client.Try(client.New("CCardTypes"), "Add", DISPATCH_METHOD, {entry, 515}, nullptr));
 }
 
 TEST(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
-  const Client client(Binding::Names);
+  const Client client;
   InApartment(COINIT_APARTMENTTHREADED, [&] {
     std::map<std::string, IStream*> sent;
     for (const auto& each : LibraryClasses()) {
       const Value object = client.New(each.first);
-      for (const DualInterface& dual : InterfacesOf(object.pdispVal)) {
-        IStream* const stream = sent[each.first + "." + dual.name] = Send(object, dual.id);
-        ASSERT_NE(stream, nullptr) << each.first << "." << dual.name;
+      for (const LibraryType& type : InterfacesOf(object.pdispVal)) {
+        const std::string name = each.first + "." + type.name;
+        ASSERT_NE(sent[name] = Send(object, type.attributes.guid), nullptr) << name;
       }
     }
     EXPECT_EQ(sent.size(), 21U + 11U);  // formats and CCardFrame have two
@@ -108,19 +95,15 @@ TEST(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
     });
   });
 
-  ASSERT_NE(CopyFileW(L"vardel.dll", L"vardel_copy.dll", FALSE), FALSE);
-  {
-    const ServerModule copy(L"vardel_copy.dll");
-    const auto create = [&](REFCLSID id) { return Value(copy.Create<IDispatch>(id).get()); };
-    ExpectLent(client, create(CLSID_CCardData), create(CLSID_CError), create(CLSID_CCardType));
-    EXPECT_EQ(copy.CanUnloadNow(), S_OK) << "an object is left";
-  }
-  DeleteFileW(L"vardel_copy.dll");
+  const ServerModule copy = ServerModule::Copy(L"vardel_copy.dll");
+  const auto create = [&](REFCLSID id) { return Value(copy.Create<IDispatch>(id).get()); };
+  ExpectLent(client, create(CLSID_CCardData), create(CLSID_CError), create(CLSID_CCardType));
+  EXPECT_EQ(copy.CanUnloadNow(), S_OK) << "an object is left";
 }
 
 TEST(Apartments, AreNoMatterToHostsThatHaveNone) {
   // Never ends: Wine keeps the class objects that it makes for such hosts.
-  const Client& client = *new Client(Binding::Names);
+  const Client& client = *new Client;
   InApartment(COINIT_MULTITHREADED, [&] {
     for (const auto& each : LibraryClasses()) New("Vardel." + each.first);
     const Value card = New("Vardel.CCardData"), frame = New("Vardel.CCardFrame");
@@ -130,19 +113,13 @@ TEST(Apartments, AreNoMatterToHostsThatHaveNone) {
       stream = Send(format, __uuidof(::_CCardFormatInfo));
     });
     const Value format = Receive(stream);
-    Fill(client, card);
-    // Early-bound: what stands behind the reference is the call's to replace.
-    ::_CCardData* argument = As<::_CCardData>(card).Detach();
+    client.Fill(card, kCard);
+    auto argument = card.As<::_CCardData>();  // the call's to replace
     ::CardDataStruct record{};
-    EXPECT_EQ(As<::_CCardFormatInfo>(format)->MakeCardData(&argument, &record), S_OK);
-    ComPtr<::_CCardData>::Adopt(argument);
+    EXPECT_EQ(format.As<::_CCardFormatInfo>()->MakeCardData(argument.out(), &record), S_OK);
     EXPECT_EQ(record.Bytes[0], 0x73);
-    Value bytes;
-    bytes.vt = VT_ARRAY | VT_UI1;
-    bytes.parray = SafeArrayCreateVector(VT_UI1, 0, 32);
-    memcpy(bytes.parray->pvData, record.Bytes, 32);
-    EXPECT_EQ(client.Put(frame, "CardDataStruct", {bytes}), "");
-    EXPECT_EQ(As<::_CCardFrame>(frame)->put_CardDataStruct(&record), S_OK);
+    EXPECT_EQ(client.Put(frame, "CardDataStruct", {NewByteArray(record.Bytes)}), "");
+    EXPECT_EQ(frame.As<::_CCardFrame>()->put_CardDataStruct(&record), S_OK);
     const Value read = client.Take(format, "AnalyzeCardData", {frame});
     EXPECT_EQ(client.Ask(read, "CardID"), "12345");
   });

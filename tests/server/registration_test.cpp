@@ -1,10 +1,9 @@
 // What registration writes, and that nothing of it stays. The scripts use it.
 
-#include "tests/server/library_types.h"
+#include "tests/server/server.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -20,44 +19,35 @@ using Keys = std::set<std::wstring>;
 /// Says our name or one of our GUIDs, which all have the same end.
 bool IsOurs(std::wstring text) {
   CharUpperW(text.data());
-  return text.find(L"-93AD-4C1F-8B26-D04FA1E37C58}") != std::wstring::npos ||
-         text.find(L"VARDEL") != std::wstring::npos;
+  return text.find(L"-93AD-4C1F-8B26-D04FA1E37C58}") != text.npos ||
+         text.find(L"VARDEL") != text.npos;
 }
 
 /// What is ours by its path or values. The keys of 32-bit programs count like all others: some of
 /// them are the same ones.
 Keys Collected(HKEY parent, const wchar_t* name = L"Software\\Classes",
                const std::wstring& path = {}) {
-  Keys keys;
   HKEY key = nullptr;
-  if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS)
-    return keys;
+  if (RegOpenKeyExW(parent, name, 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) return {};
   std::wstring line = path;
   for (const std::wstring valueName : {L"", L"ThreadingModel", L"Version"}) {
     wchar_t value[1024] = {};
     DWORD bytes = sizeof(value);
-    if (RegGetValueW(key, nullptr, valueName.c_str(), RRF_RT_REG_SZ, nullptr, value, &bytes) ==
-        ERROR_SUCCESS) {
-      line += L" " + valueName + L"=" + value;
-    }
+    const bool isThere = RegGetValueW(key, nullptr, valueName.c_str(), RRF_RT_REG_SZ, nullptr,
+                                      value, &bytes) == ERROR_SUCCESS;
+    if (isThere) line += L" " + valueName + L"=" + value;
   }
+  Keys keys;
   if (IsOurs(line)) keys.insert(line);
   // The many thousands of keys below other libraries' classes and interfaces take their time.
   const bool isOthers = std::ranges::count(path, L'\\') > 1 && !IsOurs(line);
   wchar_t child[256];
   for (DWORD i = 0; !isOthers && RegEnumKeyW(key, i, child, 256) == ERROR_SUCCESS; ++i) {
-    CharUpperW(child);
-    const bool isOtherView = std::wstring(child) == L"WOW6432NODE";
+    const bool isOtherView = CharUpperW(child) == std::wstring(L"WOW6432NODE");
     keys.merge(Collected(key, child, isOtherView ? path : path + L"\\" + child));
   }
   RegCloseKey(key);
   return keys;
-}
-
-std::wstring Text(REFGUID guid) {
-  wchar_t text[40] = {};
-  StringFromGUID2(guid, text, 40);
-  return text;
 }
 
 /// The lines of registry_keys.txt for a type, or for the library, filled in.
@@ -92,31 +82,31 @@ void Remove(const std::wstring& key) { RegDeleteTreeW(HKEY_LOCAL_MACHINE, Path(k
 class Registration : public testing::Test {
  protected:
   Registration() {
-    for (const auto& [info, type] : LibraryTypes()) {
-      const bool isClass = type.typekind == TKIND_COCLASS;
-      if (!isClass && type.typekind != TKIND_DISPATCH) continue;
-      keys_.merge(KeysOf(isClass ? L"class" : L"interface", type.guid, Name(info)));
+    for (const LibraryType& type : LibraryTypes()) {
+      const bool isClass = type.attributes.typekind == TKIND_COCLASS;
+      const auto kind = isClass ? L"class" : type.isInterface ? L"interface" : L"";
+      keys_.merge(KeysOf(kind, type.attributes.guid, type.name));
     }
     ExpectKeys({}, {});
   }
   ~Registration() override {
-    EXPECT_EQ(Call("DllRegisterServer"), S_OK) << "so that all is ours to unregister";
-    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(module_.Call("DllRegisterServer"), S_OK) << "so that all is ours to unregister";
+    EXPECT_EQ(module_.Call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(InstallForUser(FALSE), S_OK);
   }
 
   static void ExpectKeys(const Keys& ofMachine, const Keys& ofUser) {
-    for (HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+    for (const auto& [root, expected] :
+         {std::pair(HKEY_LOCAL_MACHINE, ofMachine), std::pair(HKEY_CURRENT_USER, ofUser)}) {
+      const Keys found = Collected(root);
       Keys difference;
-      std::ranges::set_symmetric_difference(Collected(root),
-                                            root == HKEY_CURRENT_USER ? ofUser : ofMachine,
+      std::ranges::set_symmetric_difference(found, expected,
                                             std::inserter(difference, difference.end()));
-      EXPECT_EQ(difference, Keys()) << (root == HKEY_CURRENT_USER ? "user" : "machine");
+      EXPECT_EQ(difference, Keys()) << "of root " << root;
     }
   }
-  HRESULT Call(const char* entry) const { return module_.Entry<HRESULT(WINAPI*)()>(entry)(); }
   HRESULT InstallForUser(BOOL install) const {
-    return module_.Entry<HRESULT(WINAPI*)(BOOL, PCWSTR)>("DllInstall")(install, L"user");
+    return module_.Call<BOOL, PCWSTR>("DllInstall", install, L"user");
   }
 
   ServerModule module_;
@@ -125,10 +115,10 @@ class Registration : public testing::Test {
 
 TEST_F(Registration, WritesTheKeysOfTheMachineOrTheUserAndCanBeUndone) {
   for (int i = 0; i < 2; ++i) {
-    ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+    ASSERT_EQ(module_.Call("DllRegisterServer"), S_OK);
     ExpectKeys(keys_, {});
   }
-  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(module_.Call("DllUnregisterServer"), S_OK);
   ASSERT_EQ(InstallForUser(TRUE), S_OK);
   ExpectKeys({}, keys_);
   EXPECT_EQ(InstallForUser(FALSE), S_OK);
@@ -138,7 +128,7 @@ TEST_F(Registration, WritesTheKeysOfTheMachineOrTheUserAndCanBeUndone) {
 TEST_F(Registration, ThatFailsPartWayLeavesNothingOrAnEarlierOne) {
   for (const bool isEarlier : {false, true}) {
     if (isEarlier) {
-      EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+      EXPECT_EQ(module_.Call("DllRegisterServer"), S_OK);
       SetText(kCardServer, L"C:\\earlier\\vardel.dll");
       Remove(L"Vardel.CCardTypes");
     }
@@ -147,18 +137,18 @@ TEST_F(Registration, ThatFailsPartWayLeavesNothingOrAnEarlierOne) {
                     REG_OPTION_VOLATILE, KEY_WRITE, nullptr, &blocked, nullptr);
     RegCloseKey(blocked);
     const Keys before = Collected(HKEY_LOCAL_MACHINE);
-    EXPECT_EQ(Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
+    EXPECT_EQ(module_.Call("DllRegisterServer"), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
     ExpectKeys(before, {});
     Remove(L"Vardel.CCardTypes");
   }
 }
 
 TEST_F(Registration, LeavesAnotherDllsClassAndAnotherVersionsLibrary) {
-  ASSERT_EQ(Call("DllRegisterServer"), S_OK);
+  ASSERT_EQ(module_.Call("DllRegisterServer"), S_OK);
   const std::wstring library = L"TYPELIB\\" + Text(LIBID_Vardel);
   SetText(kCardServer, L"C:\\other.dll");
   SetText(library + L"\\2.0", L"Vardel 2.0");
-  EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+  EXPECT_EQ(module_.Call("DllUnregisterServer"), S_OK);
   Keys left = {L"\\" + library, L"\\" + library + L"\\2.0 =Vardel 2.0"};
   for (const auto& line : KeysOf(L"class", CLSID_CCard, "CCard")) {
     left.insert(std::regex_replace(line, std::wregex(L"=[^=]*vardel\\.dll"), L"=C:\\other.dll"));
