@@ -184,8 +184,6 @@ TEST(FormatsTest, StandInAllListsOfThem) {
         {"README.md", code + pair + " | " + quoted},
         {"docs/formats.md", code + "`" + shortName + "`"},
         {"docs/formats.md", quoted + ", type " + Replaced(pair, ",", ", sub-type")},
-        {"docs/hosts.md", quoted},
-        {"examples/scripts/objects.vbs", std::string(name) + " "},
         {"examples/scripts/formats.vbs", shortName},
         {"bench/conversions.cpp", "{\"" + shortName + "\","}};
     for (const auto& [path, text] : rows) {

@@ -161,5 +161,16 @@ TEST(TypeLibrary, HoldsThePublicBoundaryAndNothingElse) {
   EXPECT_FALSE(std::getline(lines, line)) << line;
 }
 
+TEST(TypeLibrary, HasNoClassThatHostsAreNotTold) {
+  for (const char* path : {"/../docs/hosts.md", "/../examples/scripts/objects.vbs"}) {
+    std::stringstream text;
+    text << std::ifstream(std::string(VARDEL_TESTS) + path).rdbuf();
+    for (const auto& [name, id] : LibraryClasses()) {
+      const std::regex word("[` \"]" + name + "[` \"]");
+      EXPECT_TRUE(std::regex_search(text.str(), word)) << path << " lacks " << name;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace vardel::server
