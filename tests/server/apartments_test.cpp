@@ -82,7 +82,7 @@ TEST(Apartments, AndCopiesOfTheLibraryLendCardsButShareNothing) {
         ASSERT_NE(sent[name] = Send(object, type.attributes.guid), nullptr) << name;
       }
     }
-    EXPECT_EQ(sent.size(), 21U + 11U);  // formats and CCardFrame have two
+    EXPECT_GT(sent.size(), LibraryClasses().size()) << "formats have two";
     InApartment(COINIT_APARTMENTTHREADED, [&] {
       std::map<std::string, Value> received;
       for (const auto& [name, stream] : sent) {
