@@ -21,5 +21,5 @@ endif()
 cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH root)
 foreach(language C CXX)
   string(APPEND CMAKE_${language}_FLAGS_INIT
-    " -ffile-prefix-map=${CMAKE_BINARY_DIR}=build -ffile-prefix-map=${root}=.")
+    " -ffile-prefix-map=${root}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=build")  # the last first
 endforeach()
