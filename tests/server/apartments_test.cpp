@@ -9,6 +9,11 @@
 namespace vardel::server {
 namespace {
 
+/// Wine registers a library that it finds by a manifest, and with it all interfaces.
+void UnregisterLibrary() {
+  UnRegisterTypeLib(LIBID_Vardel, 1, 0, 0, sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32);
+}
+
 /// Runs something in a new apartment, with what the manifest beside the DLL says, and answers its
 /// calls meanwhile.
 void InApartment(COINIT kind, const std::function<void()>& run) {
@@ -30,13 +35,13 @@ void InApartment(COINIT kind, const std::function<void()>& run) {
   DWORD index = 0;
   CoWaitForMultipleHandles(0, INFINITE, 1, &done, &index);
   thread.join();
-  // Wine registers a library that it finds by a manifest.
-  UnRegisterTypeLib(LIBID_Vardel, 1, 0, 0, sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32);
+  UnregisterLibrary();
   CloseHandle(done);
 }
 
 IStream* Send(const Value& object, REFIID iid) {
   IStream* stream = nullptr;
+  UnregisterLibrary();
   EXPECT_EQ(CoMarshalInterThreadInterfaceInStream(iid, object.pdispVal, &stream), S_OK);
   return stream;
 }
