@@ -120,11 +120,11 @@ std::string LibraryText() {
   const auto library = TypeLibrary();
   TLIBATTR* attributes = nullptr;
   Require(library->GetLibAttr(&attributes));
-  const std::string version =
-      std::to_string(attributes->wMajorVerNum) + '.' + std::to_string(attributes->wMinorVerNum);
-  const std::string id = IdText(attributes->guid);
+  const std::string text = "library " + Name(library) + IdText(attributes->guid) + ' ' +
+                           std::to_string(attributes->wMajorVerNum) + '.' +
+                           std::to_string(attributes->wMinorVerNum);
   library->ReleaseTLibAttr(attributes);
-  return "library " + Name(library) + id + ' ' + version;
+  return text;
 }
 
 TEST(TypeLibrary, HoldsThePublicBoundaryAndNothingElse) {
