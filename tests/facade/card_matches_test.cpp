@@ -88,6 +88,8 @@ TEST(CardMatchesTest, StayWhenAFrameFailsAndWhereTheyAreHeld) {
   EXPECT_EQ(FaultOf([&] { first->CardData(-1); }), 9);
   matches.Add(frame);
   EXPECT_EQ(TextOf(matches.Item(0)->CardCount(), first->CardCount()), "3 2");
+  matches.Clear();
+  EXPECT_EQ(matches.ReadCount() + matches.Count(), 0);
   EXPECT_EQ(first->CardData(0).CardID, "12345");
 }
 

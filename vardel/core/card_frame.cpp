@@ -12,6 +12,14 @@ CCardFrame::CCardFrame(std::int32_t cardType, std::int32_t cardSubType, std::str
   RawCardHex(rawCardHex);
 }
 
+CCardFrame CCardFrame::DataOf(const ICardFrame& frame) {
+  CCardFrame copy;
+  const RawBytes bytes = frame.RawCardBytes();
+  copy.bytes_ = bytes ? std::optional<ByteArray>(*bytes) : std::nullopt;
+  copy.hex_ = frame.RawCardHex();
+  return copy;
+}
+
 void CCardFrame::RawCardHex(std::string_view hex) {
   if (hex.size() % 2 != 0) throw HostFault(Fault::TypeMismatch);
   ByteArray bytes(hex.size() / 2);

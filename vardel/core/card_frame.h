@@ -6,6 +6,7 @@
 #include <vardel/core/frame.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,6 +19,9 @@ class CCardFrame final : public ICardFrame {
   /// `rawCardHex` as in the put of RawCardHex, fault 13 included.
   CCardFrame(std::int32_t cardType, std::int32_t cardSubType, std::string_view rawCardHex,
              bool isEMFrame = false);
+  /// A copy of another frame's bytes, nothing where those are, and of its text, each read once. The
+  /// type pair stays (0, 0). What the frame throws passes.
+  static CCardFrame DataOf(const ICardFrame& frame);
 
   std::int32_t FrameCardType() const override { return cardType_; }
   void FrameCardType(std::int32_t value) { cardType_ = value; }
@@ -26,7 +30,7 @@ class CCardFrame final : public ICardFrame {
   bool IsEMFrame() const override { return isEMFrame_; }
   void IsEMFrame(bool value) { isEMFrame_ = value; }
 
-  /// The bytes of the text, never nothing.
+  /// The bytes of the text, or, in DataOf, of the other frame.
   RawBytes RawCardBytes() const override { return bytes_; }
   std::string_view RawCardHex() const override { return hex_; }
   /// Sets the text, of any length and in either case, and the bytes, first byte first. Text that is
@@ -39,7 +43,7 @@ class CCardFrame final : public ICardFrame {
   std::int32_t cardType_ = CARD_UNKNOWN;
   std::int32_t cardSubType_ = 0;
   bool isEMFrame_ = false;
-  ByteArray bytes_;
+  std::optional<ByteArray> bytes_ = ByteArray();
   std::string hex_;
 };
 

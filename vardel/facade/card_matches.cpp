@@ -12,46 +12,28 @@
 #include <array>
 #include <cstddef>
 #include <optional>
-#include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
 namespace vardel {
-
-/// A read as its frame gave it once: the formats ask for it again and again, and a fault is theirs
-/// then, not the frame's.
-struct CardRead final : ICardFrame {
-  explicit CardRead(const ICardFrame& frame) {
-    if (const RawBytes raw = frame.RawCardBytes()) bytes.emplace(*raw);
-    hex = frame.RawCardHex();
-  }
-
-  std::optional<ByteArray> bytes;
-  std::string hex;
-
-  std::int32_t FrameCardType() const override { return CARD_UNKNOWN; }
-  std::int32_t FrameCardSubType() const override { return 0; }
-  bool IsEMFrame() const override { return false; }
-  RawBytes RawCardBytes() const override { return bytes; }
-  std::string_view RawCardHex() const override { return hex; }
-};
-
 namespace {
 
-bool IsBlank(const CardRead& read) {
+bool IsBlank(const CCardFrame& read) {
   // No format looks at more text than the array has bytes.
+  const RawBytes bytes = read.RawCardBytes();
   const std::string_view hex =
-      std::string_view(read.hex).substr(0, read.bytes ? 2 * read.bytes->size() : read.hex.size());
+      read.RawCardHex().substr(0, bytes ? 2 * bytes->size() : std::string_view::npos);
   const auto isAll = [&](std::string_view digits) {
     return hex.find_first_not_of(digits) == std::string_view::npos;
   };
-  return (!read.bytes || decode::IsBlank(*read.bytes)) && (isAll("0") || isAll("Ff"));
+  return (!bytes || decode::IsBlank(*bytes)) && (isAll("0") || isAll("Ff"));
 }
 
 /// The bytes that a format with this layout decodes; its own fault where it cannot.
-ByteArray BytesFor(const CardLayout& layout, const CardRead& read) {
+ByteArray BytesFor(const CardLayout& layout, const CCardFrame& read) {
   ByteArray bytes(decode::RequireRawBytes(read));
-  if (!layout.IsByteArray) ParseHex(read.hex, bytes);
+  if (!layout.IsByteArray) ParseHex(read.RawCardHex(), bytes);
   return bytes;
 }
 
@@ -82,8 +64,7 @@ bool IsWithinLimits(const CCardFormatInfo& format, const CardLayout& layout,
 }
 
 /// Nothing where the format does not fit all reads.
-std::optional<CCardMatch> Match(const CardFormatClass& row,
-                                std::span<const std::shared_ptr<const CardRead>> reads) try {
+std::optional<CCardMatch> Match(const CardFormatClass& row, std::span<const CCardFrame> reads) try {
   const auto format = row.Create();
   const CardLayout& layout = LayoutOf(*format);
   CCardMatch match;
@@ -91,9 +72,9 @@ std::optional<CCardMatch> Match(const CardFormatClass& row,
   match.CardType = row.CardType;
   match.CardSubType = row.CardSubType;
   match.HasParity = !layout.Parity.empty();
-  for (const auto& read : reads) {
-    const ByteArray bytes = BytesFor(layout, *read);
-    const auto card = format->AnalyzeCardData(*read);
+  for (const CCardFrame& read : reads) {
+    const ByteArray bytes = BytesFor(layout, read);
+    const auto card = format->AnalyzeCardData(read);
     if (decode::IsBlank(bytes) || !card || card->ErrNumber != 0) return std::nullopt;
     if (match.HasParity && HasParity(layout, bytes)) ++match.ParityHolds;
     if (HasUnusedSet(layout, bytes)) ++match.UnusedSet;
@@ -126,8 +107,9 @@ CCardData CCardMatch::CardData(std::int32_t Index) const {
 }
 
 void CCardMatches::Add(const ICardFrame* Read) {
-  auto read = std::make_shared<const CardRead>(RequireObject(Read));
-  if (IsBlank(*read)) {
+  // The formats ask for it again and again, and a fault is theirs then, not the frame's.
+  CCardFrame read = CCardFrame::DataOf(RequireObject(Read));
+  if (IsBlank(read)) {
     ++blankCount_;
     return;
   }

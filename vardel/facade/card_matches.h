@@ -1,7 +1,7 @@
 #pragma once
 
 #include <vardel/core/card_data.h>
-#include <vardel/core/frame.h>
+#include <vardel/core/card_frame.h>
 
 #include <cstdint>
 #include <memory>
@@ -10,8 +10,6 @@
 #include <vector>
 
 namespace vardel {
-
-struct CardRead;
 
 /// A format that fits all reads of a CCardMatches, and what speaks for and against it.
 class CCardMatch {
@@ -77,7 +75,7 @@ class CCardMatches {
  private:
   const std::shared_ptr<std::vector<CCardMatch>>& Answer() const;
 
-  std::vector<std::shared_ptr<const CardRead>> reads_;  // that are not blank
+  std::vector<CCardFrame> reads_;  // that are not blank
   std::int32_t blankCount_ = 0;
   mutable std::shared_ptr<std::vector<CCardMatch>> answer_;  // null until somebody asks
 };
