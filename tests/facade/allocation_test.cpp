@@ -1,4 +1,5 @@
 #include "bench/allocations.h"
+#include "tests/support.h"
 #include <vardel/core/card_frame.h>
 #include <vardel/core/hex.h>
 #include <vardel/facade/card.h>
@@ -44,12 +45,9 @@ TEST(Allocations, ThatFailLeaveNothingHalfRecorded) {
   data.InitCardData(9);
   EXPECT_THROW(error.MakeErr(-1, "a text that is too long for a string itself"), std::bad_alloc);
   RefuseAllocations(false);
-  EXPECT_EQ(data.ErrNumber(), -1);
-  EXPECT_EQ(data.ErrName(), "Out of memory");
-  EXPECT_EQ(data.CardType(), CARD_HID);
-  EXPECT_EQ(data.CardArrDataByIndex(3), 7);
-  EXPECT_EQ(error.ErrNumber, 5);
-  EXPECT_EQ(error.ErrName, "short");
+  EXPECT_EQ(TextOf(ErrorOf(data), data.CardType(), data.CardArrDataByIndex(3)),
+            "-1 Out of memory 2 7");
+  EXPECT_EQ(ErrorOf(error), "5 short");
 }
 
 }  // namespace
