@@ -37,9 +37,8 @@ TEST(TypeCodeTest, KnowsTheTypesAndPairsThatCardsMayHave) {
     }
   }
   EXPECT_FALSE(IsValidTypePair(16777217, 1));  // the type code of 1/1 after a wrap-around
-  EXPECT_EQ(TypeCode(-1, 5), -251);
-  EXPECT_EQ(TypeCode(8388607, 255), 2147483647);
-  EXPECT_EQ(TypeCode(-8388608, 0), kLowest);
+  EXPECT_EQ(TextOf(TypeCode(-1, 5), TypeCode(8388607, 255), TypeCode(-8388608, 0)),
+            "-251 2147483647 -2147483648");
 }
 
 std::string StateOf(const CCardByteData& data) {
