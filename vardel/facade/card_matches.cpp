@@ -74,12 +74,12 @@ std::optional<CCardMatch> Match(const CardFormatClass& row, std::span<const CCar
   match.HasParity = !layout.Parity.empty();
   for (const CCardFrame& read : reads) {
     const ByteArray bytes = BytesFor(layout, read);
-    const auto card = format->AnalyzeCardData(read);
-    if (decode::IsBlank(bytes) || !card || card->ErrNumber != 0) return std::nullopt;
+    CCardData card = format->AnalyzeCardData(read).value();
+    if (decode::IsBlank(bytes) || card.ErrNumber != 0) return std::nullopt;
     if (match.HasParity && HasParity(layout, bytes)) ++match.ParityHolds;
     if (HasUnusedSet(layout, bytes)) ++match.UnusedSet;
-    if (!IsWithinLimits(*format, layout, *card)) ++match.BeyondLimits;
-    match.Cards.push_back(*card);
+    if (!IsWithinLimits(*format, layout, card)) ++match.BeyondLimits;
+    match.Cards.push_back(std::move(card));
   }
   return match;
 } catch (const HostFault&) {
