@@ -504,10 +504,11 @@ constexpr Row OfFormat(const char* name, const CLSID& id, std::int32_t subType) 
           Wrap<ObjectClass>};
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a template, which takes none
 // With the sub-type as automation knows it.
-// NOLINTNEXTLINE(bugprone-macro-parentheses): a template, which takes none
 #define FORMAT_CLASS(name, object, subType) \
   OfFormat<vardel::name, object<::_##name>>(#name, CLSID_##name, ::subType)
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr Row kRows[] = {
     Plain<ErrorObject>(CLSID_CError),
