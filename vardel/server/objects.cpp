@@ -37,6 +37,12 @@ ComPtr<typename ObjectClass::Default> New(Make&& make, const char* className = O
   return ComPtr<typename ObjectClass::Default>::Adopt(new ObjectClass(className, make));
 }
 
+/// The same around one that others hold too.
+template <class ObjectClass>
+ComPtr<typename ObjectClass::Default> Around(const typename ObjectClass::CoreHolder& core) {
+  return New<ObjectClass>([&] { return core; });
+}
+
 // --- what the library takes of a host's arguments ---
 
 /// A value as the type of the library's member.
@@ -333,8 +339,7 @@ class CardTypesObject final : public Object<vardel::CCardTypes, ::_CCardTypes> {
     }
   }
   ComPtr<::_CCardType> ObjectOf(const Entry& entry) {
-    return entries_.Of(entry,
-                       [](const Entry& core) { return New<CardTypeObject>([&] { return core; }); });
+    return entries_.Of(entry, Around<CardTypeObject>);
   }
 
   KeptObjects<::_CCardType> entries_;
@@ -354,19 +359,14 @@ class CardMatchesObject final : public Object<vardel::CCardMatches, ::_CCardMatc
   CARD_MATCHES_MEMBERS(CPP_)
 
  private:
-  using Match = std::shared_ptr<vardel::CCardMatch>;
-
   template <class Out, class Make>
   void Give(Out* out, Make&& make) {
     if constexpr (std::is_same_v<Out, ::_CCardMatch*>) {
-      const Match match = make();
+      const std::shared_ptr<vardel::CCardMatch> match = make();
       // Those of an earlier answer are nobody's but their holders'.
       if (match.owner_before(answer_) || answer_.owner_before(match)) matches_ = {};
       answer_ = match;
-      *out = matches_
-                 .Of(match,
-                     [](const Match& core) { return New<CardMatchObject>([&] { return core; }); })
-                 .Detach();
+      *out = matches_.Of(match, Around<CardMatchObject>).Detach();
     } else {
       server::Give(out, make);
     }
